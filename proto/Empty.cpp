@@ -1,0 +1,1 @@
+// Keeps the generated-messages target non-empty while no schema exists.

@@ -1,0 +1,62 @@
+// The orv command: a front door to the library for people at a terminal.
+
+#include <orv/utils/Facilities.h>
+#include <orv/utils/OstreamLogger.h>
+#include <orv/utils/Platforms.h>
+#include <orv/utils/System.h>
+#include <orv/utils/c/System.h>
+
+#include <cstring>
+#include <iostream>
+
+namespace {
+
+const char* const usage =
+    "usage: orv <command> [options]\n"
+    "\n"
+    "commands:\n"
+    "  info        initialize the library and print its version, platform and facilities\n"
+    "\n"
+    "options:\n"
+    "  -h, --help     show this help and exit\n"
+    "  --version      print the library version and exit\n";
+
+int runInfo()
+{
+    orv::utils::OstreamLogger logger(&std::cerr, &std::cerr, nullptr, nullptr);
+    if (!orv::utils::initialize(&logger)) {
+        std::cerr << "orv: the library failed to initialize" << std::endl;
+        return 1;
+    }
+    std::cout << "orv_utils " << orv_utils_getVersionStr() << "\n";
+    std::cout << "platform: " << orv::utils::platform::toString(orv::utils::getCurrentPlatform()) << " ("
+              << orv::utils::getCurrentPlatform() << ")\n";
+    std::cout << "facilities:\n";
+    std::cout << "  logger: default (errors to stderr, other levels to stdout)\n";
+    orv::utils::terminate(&logger);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 2) {
+        std::cerr << usage;
+        return 2;
+    }
+    const char* command = argv[1];
+    if (std::strcmp(command, "-h") == 0 || std::strcmp(command, "--help") == 0 || std::strcmp(command, "help") == 0) {
+        std::cout << usage;
+        return 0;
+    }
+    if (std::strcmp(command, "--version") == 0) {
+        std::cout << "orv " << orv_utils_getVersionStr() << std::endl;
+        return 0;
+    }
+    if (std::strcmp(command, "info") == 0) {
+        return runInfo();
+    }
+    std::cerr << "orv: unknown command '" << command << "'\n\n" << usage;
+    return 2;
+}
