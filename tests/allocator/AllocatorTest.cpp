@@ -1,0 +1,89 @@
+#include <orv/allocator/Allocator.h>
+#include <orv/allocator/StdAllocator.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <vector>
+
+using orv::allocator::Allocator;
+using orv::allocator::BlockInfo;
+
+TEST(Allocator, CountsLiveBlocksAndBytesAndListsTrackedOnesWithTheirOrigin)
+{
+    Allocator& allocator = Allocator::instance();
+    const std::size_t blocks = allocator.getLiveBlockCount();
+    const std::size_t bytes = allocator.getLiveByteCount();
+    const unsigned long long mark = allocator.getNextSerial();
+
+    void* a = allocator.allocate(24, "here.cpp", 11);
+    void* b = allocator.allocate(1000, "there.cpp", 22);
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(a) % 16, 0u);
+    EXPECT_EQ(allocator.getLiveBlockCount(), blocks + 2);
+    EXPECT_EQ(allocator.getLiveByteCount(), bytes + 1024);
+
+    std::vector<std::string> seen;
+    allocator.forEachLiveBlock(mark, [&seen](const BlockInfo& block) {
+        seen.push_back(std::string(block.file) + ":" + std::to_string(block.line) + ":" + std::to_string(block.size));
+    });
+    EXPECT_EQ(seen, (std::vector<std::string>{"here.cpp:11:24", "there.cpp:22:1000"}));
+
+    // A block made while tracking was off is released correctly after tracking is back on.
+    allocator.setBlockTracking(false);
+    void* untracked = allocator.allocate(8);
+    allocator.setBlockTracking(true);
+    allocator.deallocate(untracked, 0);
+
+    allocator.deallocate(a, 0);
+    allocator.deallocate(b, 1000);
+    allocator.deallocate(nullptr, 0);
+    EXPECT_EQ(allocator.getLiveBlockCount(), blocks);
+    EXPECT_EQ(allocator.getLiveByteCount(), bytes);
+    EXPECT_EQ(allocator.allocate(static_cast<std::size_t>(-1)), nullptr);
+}
+
+namespace {
+
+struct Counted {
+    explicit Counted(int& live) : live_(live) { ++live_; }
+    ~Counted() { --live_; }
+    int& live_;
+};
+
+} // namespace
+
+TEST(Allocator, PlacementFormsConstructAndDestroyThroughTheAllocator)
+{
+    int live = 0;
+    const std::size_t blocks = Allocator::instance().getLiveBlockCount();
+    Counted* object = ORV_NEW(Counted)(live);
+    EXPECT_EQ(live, 1);
+    EXPECT_EQ(Allocator::instance().getLiveBlockCount(), blocks + 1);
+    ORV_DELETE(object);
+    EXPECT_EQ(live, 0);
+    EXPECT_EQ(Allocator::instance().getLiveBlockCount(), blocks);
+    Counted* none = nullptr;
+    ORV_DELETE(none);
+}
+
+TEST(Allocator, StandardContainersAndThreadsShareIt)
+{
+    const std::size_t blocks = Allocator::instance().getLiveBlockCount();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            for (int i = 0; i < 500; ++i) {
+                std::vector<int, orv::allocator::StdAllocator<int>> numbers(static_cast<std::size_t>(i + 1), i);
+                ASSERT_EQ(numbers.back(), i);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(Allocator::instance().getLiveBlockCount(), blocks);
+}
