@@ -29,9 +29,14 @@ public:
 
     T* get() const { return pointer_; }
 
+    /// A returning hook gets a zero-filled stand-in rather than a null reference.
     T& operator*() const
     {
         ORV_CHECK(pointer_ != nullptr, "accessing a null scoped ptr");
+        if (pointer_ == nullptr) {
+            alignas(T) static unsigned char standIn[sizeof(T)] = {};
+            return *reinterpret_cast<T*>(standIn);
+        }
         return *pointer_;
     }
 

@@ -12,10 +12,15 @@ class Singleton {
 public:
     static bool isSet() { return instance_ != nullptr; }
 
-    /// With no instance the hook is called, and a returning hook gets a null reference.
+    /// With no instance the hook is called. A returning hook gets a zero-filled stand-in instead of
+    /// a null reference, so that the failure shows at the caller's first use of a member.
     static T& instance()
     {
         ORV_CHECK(instance_ != nullptr, "accessing uninitialized singleton");
+        if (instance_ == nullptr) {
+            alignas(T) static unsigned char standIn[sizeof(T)] = {};
+            return *reinterpret_cast<T*>(standIn);
+        }
         return *instance_;
     }
 
