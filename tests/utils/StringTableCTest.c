@@ -1,0 +1,76 @@
+/* The string table seen from a C host. Each case returns null when it passes, otherwise the
+   expectation that failed; StringTableTest.cpp runs them. */
+#include <orv/utils/c/StringTable.h>
+
+#include <stdio.h>
+#include <string.h>
+
+typedef struct ErrorRecord {
+    int count;
+    char caption[ORV_ERROR_CAPTION_SIZE];
+    char message[256];
+} ErrorRecord;
+
+static char noLevel(void* context)
+{
+    (void)context;
+    return 0;
+}
+
+static void noLine(void* context, const char* file, unsigned int line, const char* message)
+{
+    (void)context;
+    (void)file;
+    (void)line;
+    (void)message;
+}
+
+static void recordError(void* context, const orv_ErrorType* error, const char* file, unsigned int line,
+                        const char* message)
+{
+    ErrorRecord* record = (ErrorRecord*)context;
+    (void)file;
+    (void)line;
+    ++record->count;
+    snprintf(record->caption, sizeof record->caption, "%s", error->caption);
+    snprintf(record->message, sizeof record->message, "%s", message);
+}
+
+#define C_EXPECT(condition)                                                                                            \
+    do {                                                                                                               \
+        if (!(condition)) {                                                                                            \
+            orv_destroyStringTable(table);                                                                             \
+            return #condition;                                                                                         \
+        }                                                                                                              \
+    } while (0)
+
+const char* orv_test_stringTableFromC(void)
+{
+    ErrorRecord record = {0, {0}, {0}};
+    orv_Logger logger = {&record, noLevel, noLine, noLevel, noLine, noLevel, noLine, recordError};
+    orv_StringTable* table = orv_createStringTable(7687);
+    unsigned long long hash;
+    if (table == NULL) {
+        return "orv_createStringTable(7687) != NULL";
+    }
+
+    hash = orv_stringTable_add(table, "hello world!", 11);
+    C_EXPECT(hash == 0x089476a5e0d3edd7ull); /* "hello world" with seed 7687 */
+    C_EXPECT(orv_stringTable_hash(table, "hello world", 11) == hash);
+    C_EXPECT(strcmp(orv_stringTable_retrieve(table, hash, NULL), "hello world") == 0);
+    C_EXPECT(strcmp(orv_stringTable_retrieve(table, 0, "none"), "none") == 0);
+
+    C_EXPECT(orv_stringTable_addAndCheck(table, "hello world", 11, &logger) == hash);
+    C_EXPECT(orv_stringTable_check(table, "hello world", 11, hash, &logger) != 0);
+    C_EXPECT(orv_stringTable_hashAndCheck(table, "hello world", 11, &logger) == hash);
+    C_EXPECT(record.count == 0);
+
+    C_EXPECT(orv_stringTable_hashAndCheck(table, "ghost", 5, &logger) == 0);
+    C_EXPECT(orv_stringTable_check(table, "hello world", 11, hash + 1, &logger) == 0);
+    C_EXPECT(record.count == 2);
+    C_EXPECT(strcmp(record.caption, "invalid configuration") == 0);
+    C_EXPECT(strcmp(record.message, "\"hello world\" is not registered with the table.") == 0);
+
+    orv_destroyStringTable(table);
+    return NULL;
+}
