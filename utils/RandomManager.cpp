@@ -1,0 +1,89 @@
+#include <orv/utils/RandomManager.h>
+
+#include <orv/utils/Assertion.h>
+#include <orv/utils/details/Logging.h>
+#include <orv/utils/impl/RandomTextFormat.h>
+
+#include "Random.pb.h"
+
+#include <string>
+
+namespace orv {
+namespace utils {
+
+RandomManager::RandomManager() : seed_(0x0FFFF000u) {}
+
+void RandomManager::seed(unsigned int seed)
+{
+    seed_ = seed;
+}
+
+unsigned int RandomManager::getSeed() const
+{
+    return seed_;
+}
+
+Random RandomManager::createRandomStream(unsigned int streamId) const
+{
+    return Random(seed_ ^ streamId);
+}
+
+char* serializeRandomManager(unsigned int& size, const RandomManager& manager, AbstractLogger* logger)
+{
+    proto::RandomManager message;
+    proto::RandomVersion& version = *message.mutable_version();
+    version.set_major(impl::randomFormatMajor);
+    version.set_minor(impl::randomFormatMinor);
+    version.set_patch(impl::randomFormatPatch);
+    message.mutable_randommanager()->set_seed(manager.getSeed());
+    std::string text;
+    if (!impl::printRandomText(message, text)) {
+        ORV_LOG_ERROR(logger, error::ioProblem, "Unable to serialize the given random manager: " << message.DebugString());
+        return nullptr;
+    }
+    char* buffer = impl::copyRandomText(text, size);
+    if (buffer == nullptr) {
+        ORV_LOG_ERROR(logger, error::badAllocation,
+                      "Unable to allocate " << text.size() << " bytes for the serialized random manager.");
+    }
+    return buffer;
+}
+
+bool deserializeRandomManager(const char* data, unsigned int size, RandomManager& manager, AbstractLogger* logger)
+{
+    ORV_CHECK(data != nullptr || size == 0, "unable to deserialize a random manager from a null buffer");
+    // The hook returned: the buffer is read as empty, which fails below for want of a version.
+    if (data == nullptr) {
+        size = 0;
+    }
+    proto::RandomManager message;
+    if (!impl::parseRandomText(data, size, message)) {
+        ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a random manager: " << message.DebugString());
+        return false;
+    }
+    const proto::RandomVersion& version = message.version();
+    if (version.major() != impl::randomFormatMajor || version.minor() != impl::randomFormatMinor ||
+        version.patch() != impl::randomFormatPatch) {
+        ORV_LOG_ERROR(logger, error::invalidData,
+                      "Error while deserializing random manager: The file originates from a version, v"
+                          << version.major() << "." << version.minor() << "." << version.patch()
+                          << ", that is not compatible with the current version, v" << impl::randomFormatMajor << "."
+                          << impl::randomFormatMinor << "." << impl::randomFormatPatch << ".");
+        return false;
+    }
+    if (!message.has_randommanager()) {
+        ORV_LOG_ERROR(logger, error::invalidData,
+                      "Error while deserializing random manager: expected field randomManager not found");
+        return false;
+    }
+    if (!message.randommanager().has_seed()) {
+        ORV_LOG_ERROR(logger, error::invalidData,
+                      "Error while deserializing random manager: expected field seed not found");
+        return false;
+    }
+    manager.seed(message.randommanager().seed());
+    return true;
+}
+
+} // namespace utils
+} // namespace orv
