@@ -1,0 +1,268 @@
+#ifndef ORV_UTILS_DYNAMICOBJECT_H
+#define ORV_UTILS_DYNAMICOBJECT_H
+
+#include <orv/utils/Assertion.h>
+#include <orv/utils/BlockAllocator.h>
+#include <orv/utils/Common.h>
+#include <orv/utils/Type.h>
+#include <orv/utils/details/DynamicObjectNode.h>
+
+/// The C view of a DynamicObject: the address of the object itself.
+struct orv_DynamicObject;
+
+namespace orv {
+namespace utils {
+
+class AbstractDynamicObjectListener;
+class DynamicValue;
+class StringTable;
+class TypeManager;
+class Uuid;
+
+namespace impl {
+class DynamicObjectPropertyChildrenIterator;
+class DynamicObjectPathCreator;
+} // namespace impl
+
+/// A tree of typed properties (null, integer, real, string, boolean, array, object) addressed by
+/// paths such as `a.b[3].c`. The whole tree is one ternary search trie over the characters of the
+/// full paths, kept in fixed blocks of 16-byte nodes that refer to each other by index: a lookup
+/// costs the length of the path and allocates nothing, and a copy is a copy of the blocks.
+///
+/// A property is named by a handle, the index of its end-of-key node (0 for none), or by a path.
+/// A handle stays valid until its property is erased; erased nodes are reused at once, so a stale
+/// handle may come to name another property. Misuse (invalid handles, wrong types) goes to the
+/// failed assertion hook, and the operation then carries on as far as it safely can.
+///
+/// Overload families: reads (`getInt`...) by path never create and give the default for a missing
+/// path; writes (`setInt`...) by path create what is missing; the strict operations (`getType`,
+/// `countChildren`, `resize`, `addChild`...) by path assert when the path names nothing and go on
+/// with handle 0. Path forms without a length fire no listener for their lookup.
+class ORV_UTILS_API DynamicObject {
+public:
+    using Node = details::DynamicObjectNode;
+    using NodeAllocator = BlockAllocator<Node>;
+
+    /// Names an object whose allocator and string table a new object shares, and whose nodes it copies.
+    class Ref {
+    public:
+        explicit Ref(DynamicObject& object) : object_(object) {}
+        DynamicObject& get() const { return object_; }
+
+    private:
+        DynamicObject& object_;
+    };
+
+    static constexpr unsigned int maximumArraySize = 100000;
+    static constexpr unsigned int maximumArrayIndexLength = 5;
+    static constexpr unsigned int defaultBlockSize = 128;
+    static constexpr unsigned int stringTableSeed = 100;
+
+    /// Owns a new allocator of 128-node blocks and a new string table.
+    DynamicObject();
+    /// Shares `allocator` and `stringTable`, which must outlive the object.
+    DynamicObject(NodeAllocator& allocator, StringTable& stringTable);
+    /// Owns a new allocator of the same block size and a copy of the string table; handles carry over.
+    DynamicObject(const DynamicObject& other);
+    /// Shares the allocator and string table of the referenced object and copies its nodes.
+    explicit DynamicObject(const Ref& other);
+    ~DynamicObject();
+
+    /// Copies the nodes and the string table of `other`; listeners stay. Handles of `other` are
+    /// valid here afterwards, also across different block sizes.
+    DynamicObject& operator=(const DynamicObject& other);
+
+    /// Back to an empty object whose root is handle 2 again. No listener is called.
+    void clear();
+    bool empty() const;
+    unsigned int getRoot() const { return root_; }
+
+    NodeAllocator& getNodeAllocator() const { return *nodeAllocator_; }
+    StringTable& getStringTable() const { return *stringTable_; }
+    bool isOwningNodeAllocator() const { return isOwning_; }
+    bool isOwningStringTable() const { return isOwning_; }
+    static unsigned int getMaximumArraySize() { return maximumArraySize; }
+
+    orv_DynamicObject& getWrapper();
+    const orv_DynamicObject& getWrapper() const;
+
+    // Listeners, called in the order of adding; none is owned.
+    void setListener(AbstractDynamicObjectListener* listener);
+    void addListener(AbstractDynamicObjectListener* listener);
+    void removeListener(AbstractDynamicObjectListener* listener);
+
+    // Path lookups. The path is matched as stored text (`a.b[3]`), not parsed.
+    unsigned int getProperty(const char* key, unsigned int length) const;
+    unsigned int getProperty(const char* key) const;
+    bool hasProperty(const char* key, unsigned int length) const;
+    bool hasProperty(const char* key) const;
+    /// Parses the path and creates every missing step; 0 if the path does not parse.
+    unsigned int addProperty(const char* key, unsigned int length);
+    unsigned int addProperty(const char* key);
+
+    // Reads.
+    long long getInt(unsigned int property, long long defaultValue) const;
+    long long getInt(const char* key, long long defaultValue) const;
+    long long getInt(const char* key, unsigned int length, long long defaultValue) const;
+    double getReal(unsigned int property, double defaultValue) const;
+    double getReal(const char* key, double defaultValue) const;
+    double getReal(const char* key, unsigned int length, double defaultValue) const;
+    bool getBool(unsigned int property, bool defaultValue) const;
+    bool getBool(const char* key, bool defaultValue) const;
+    bool getBool(const char* key, unsigned int length, bool defaultValue) const;
+    unsigned long long getStringHash(unsigned int property, unsigned long long defaultValue) const;
+    unsigned long long getStringHash(const char* key, unsigned long long defaultValue) const;
+    unsigned long long getStringHash(const char* key, unsigned int length, unsigned long long defaultValue) const;
+    /// The text from the string table, valid while the table lives.
+    const char* getString(unsigned int property, const char* defaultValue) const;
+    const char* getString(const char* key, const char* defaultValue) const;
+    const char* getString(const char* key, unsigned int length, const char* defaultValue) const;
+
+    // Writes: the property takes the written type, and loses its children first.
+    void setInt(unsigned int property, long long value);
+    void setInt(const char* key, long long value);
+    void setInt(const char* key, unsigned int length, long long value);
+    void setReal(unsigned int property, double value);
+    void setReal(const char* key, double value);
+    void setReal(const char* key, unsigned int length, double value);
+    void setBool(unsigned int property, bool value);
+    void setBool(const char* key, bool value);
+    void setBool(const char* key, unsigned int length, bool value);
+    void setString(unsigned int property, const char* value);
+    void setString(unsigned int property, const char* value, unsigned int valueLength);
+    void setString(const char* key, const char* value);
+    void setString(const char* key, unsigned int length, const char* value);
+    void setString(const char* key, unsigned int length, const char* value, unsigned int valueLength);
+    void setValue(unsigned int property, const DynamicValue& value);
+    void setValue(const char* key, const DynamicValue& value);
+    void setValue(const char* key, unsigned int length, const DynamicValue& value);
+
+    // Strict operations.
+    /// `null` for a handle that names no property.
+    type::Type getType(unsigned int property) const;
+    type::Type getType(const char* key) const;
+    type::Type getType(const char* key, unsigned int length) const;
+    bool isTypeCompatible(unsigned int property, type::Type type) const;
+    bool isTypeCompatible(const char* key, type::Type type) const;
+    bool isTypeCompatible(const char* key, unsigned int length, type::Type type) const;
+    unsigned int countChildren(unsigned int property) const;
+    unsigned int countChildren(const char* key) const;
+    unsigned int countChildren(const char* key, unsigned int length) const;
+    /// Sizes of `maximumArraySize` and above are ignored and reported as success.
+    bool resize(unsigned int property, unsigned int newSize);
+    bool resize(const char* key, unsigned int newSize);
+    bool resize(const char* key, unsigned int length, unsigned int newSize);
+    void retrieveValue(unsigned int property, DynamicValue& value) const;
+    void retrieveValue(const char* key, DynamicValue& value) const;
+    void retrieveValue(const char* key, unsigned int length, DynamicValue& value) const;
+    unsigned int addChild(unsigned int parent, const char* key, unsigned int length);
+    unsigned int addChild(unsigned int parent, const char* key);
+    unsigned int addChild(const char* parentKey, const char* key, unsigned int length);
+    unsigned int addChild(const char* parentKey, unsigned int parentLength, const char* key, unsigned int length);
+    bool eraseChild(unsigned int parent, const char* key, unsigned int length);
+    bool eraseChild(const char* parentKey, const char* key, unsigned int length);
+    bool eraseChild(const char* parentKey, unsigned int parentLength, const char* key, unsigned int length);
+    /// Erases an array element. Later elements move down: a handle names a position, not a value.
+    bool eraseChild(unsigned int parent, unsigned int index);
+    bool eraseChild(const char* parentKey, unsigned int index);
+    bool eraseChild(const char* parentKey, unsigned int parentLength, unsigned int index);
+    unsigned int getChild(unsigned int parent, const char* key, unsigned int length) const;
+    unsigned int getChild(const char* parentKey, const char* key, unsigned int length) const;
+    unsigned int getChild(const char* parentKey, unsigned int parentLength, const char* key,
+                          unsigned int length) const;
+    /// The element of an array, or the index-th child of an object in key order (linear).
+    unsigned int getChild(unsigned int parent, unsigned int index) const;
+    unsigned int getChild(const char* parentKey, unsigned int index) const;
+    unsigned int getChild(const char* parentKey, unsigned int parentLength, unsigned int index) const;
+
+    // Soft operations: a path that names nothing passes handle 0 on.
+    void resetProperty(unsigned int property);
+    void resetProperty(const char* key);
+    void resetProperty(const char* key, unsigned int length);
+    bool hasChild(unsigned int parent, const char* key, unsigned int length) const;
+    bool hasChild(unsigned int parent, const char* key) const;
+    bool hasChild(const char* parentKey, const char* key, unsigned int length) const;
+    bool hasChild(const char* parentKey, unsigned int parentLength, const char* key, unsigned int length) const;
+
+    /// Renames a child of `parent`; the child and its descendants keep their handles.
+    unsigned int renameChild(unsigned int parent, const char* key, unsigned int length, const char* newKey,
+                             unsigned int newLength);
+    unsigned int renameChild(unsigned int parent, const char* key, const char* newKey);
+
+    /// Copies a subtree of `other` (which may be this object) by value into `property`.
+    void put(unsigned int property, const DynamicObject& other, unsigned int otherProperty);
+    void put(unsigned int property, const DynamicObject& other);
+    void put(const char* key, const DynamicObject& other);
+    void put(const char* key, unsigned int length, const DynamicObject& other);
+    void put(const char* key, unsigned int length, const DynamicObject& other, const char* otherKey,
+             unsigned int otherLength);
+
+private:
+    friend class impl::DynamicObjectPropertyChildrenIterator;
+    friend class impl::DynamicObjectPathCreator;
+
+    Node* getNode(unsigned int index) const
+    {
+        if (index == 0) {
+            return nullptr;
+        }
+        const unsigned int blockSize = nodeAllocator_->blockSize_;
+        const unsigned int block = (index - 1) / blockSize;
+        ORV_CHECK(block < blocks_.size(), "Block index out of range");
+        // The hook returned: a handle past the blocks names nothing, rather than memory not ours.
+        if (block >= blocks_.size()) {
+            return nullptr;
+        }
+        return blocks_[block] + (index - 1) % blockSize;
+    }
+
+    Node* allocateNode(char splitChar, unsigned int& index);
+    Node* allocateValueNode(unsigned int& index);
+    void deallocateNode(Node* node, unsigned int index);
+    Node* findNode(unsigned int start, const char* key, unsigned int length, bool toProperty,
+                   unsigned int& index) const;
+    Node* findValueNode(Node* node, unsigned int& valueIndex) const;
+    Node* findValueNode(unsigned int property) const;
+    Node* findValueNode(unsigned int start, const char* key, unsigned int length, unsigned int& property,
+                        unsigned int& valueIndex) const;
+    Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
+                      unsigned int& valueIndex);
+    bool eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed);
+    bool eraseProperty(unsigned int property, const char* key, unsigned int length);
+    void addRootProperty();
+    void doClear();
+    void doMemoryCopy(const DynamicObject& other);
+    void doCopyAcrossBlockSizes(const DynamicObject& other);
+
+    /// The property named by `key`, as stored text, with no listener call.
+    unsigned int lookUpProperty(const char* key, unsigned int length) const;
+    /// The property for a strict path form: a missing one is a failed assertion, then 0.
+    unsigned int getPropertyAsserts(const char* key, unsigned int length) const;
+    unsigned int getPropertyAsserts(const char* key) const;
+    /// Where the keys of `parent`'s children start: the root itself, or the node after the
+    /// parent's `.`; 0 when the parent has no child.
+    unsigned int findChildrenStart(unsigned int parent) const;
+    unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length);
+    /// The value node of a property for an operation that needs one; "Invalid property" otherwise.
+    Node* findValueNodeAsserts(unsigned int property) const;
+    /// Removes the children of an array or object value before a scalar is stored.
+    void prepareScalarWrite(unsigned int property, Node*& value);
+
+    // Listener notification. A null entry is a failed assertion and is then skipped.
+    template <typename Call>
+    void notify(Call call) const;
+
+    NodeAllocator* nodeAllocator_;
+    StringTable* stringTable_;
+    bool isOwning_;
+    Vector<Node*> blocks_;
+    Vector<AbstractDynamicObjectListener*> listeners_;
+    unsigned int root_;
+    unsigned int lastBlockUsed_;
+    unsigned int firstFreeNode_;
+};
+
+} // namespace utils
+} // namespace orv
+
+#endif

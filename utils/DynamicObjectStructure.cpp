@@ -1,0 +1,564 @@
+// The operations of DynamicObject that change the shape of the tree: children, arrays, renames,
+// resets and copies of subtrees.
+
+#include <orv/utils/DynamicObject.h>
+
+#include <orv/utils/AbstractPropertyParser.h>
+#include <orv/utils/StringTable.h>
+#include <orv/utils/impl/DynamicObjectHelpers.h>
+#include <orv/utils/impl/DynamicObjectPropertyChildrenIterator.h>
+
+#include <cstring>
+
+namespace orv {
+namespace utils {
+
+namespace {
+
+bool checkKey(const char* key)
+{
+    ORV_CHECK(key != nullptr, "Null string given as a key");
+    // The hook returned: a missing key names nothing, and the operation does nothing.
+    return key != nullptr;
+}
+
+unsigned int measure(const char* text)
+{
+    return static_cast<unsigned int>(std::strlen(text));
+}
+
+// Room for "[4294967295]" and its terminator.
+constexpr unsigned int arrayKeyCapacity = 16;
+
+} // namespace
+
+unsigned int DynamicObject::findChildrenStart(unsigned int parent) const
+{
+    if (parent == root_) {
+        return root_;
+    }
+    unsigned int start;
+    findNode(parent, ".", 1, false, start);
+    return start;
+}
+
+// Children by key.
+
+unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, unsigned int length)
+{
+    if (!checkKey(key)) {
+        return 0;
+    }
+    if (length == 0) {
+        return parent;
+    }
+    bool added = false;
+    unsigned int property = 0;
+    unsigned int valueIndex = 0;
+    Node* value = nullptr;
+    if (parent == root_) {
+        // Children of the root have no leading separator.
+        if (key[0] == '.') {
+            ++key;
+            --length;
+        }
+        value = addProperty(root_, key, length, added, property, valueIndex);
+    } else if (key[0] == '.') {
+        value = addProperty(parent, key, length, added, property, valueIndex);
+    } else {
+        unsigned int start;
+        findNode(parent, ".", 1, false, start);
+        if (start != 0) {
+            value = addProperty(start, key, length, added, property, valueIndex);
+        } else {
+            const impl::DottedKey dotted(key, length);
+            value = addProperty(parent, dotted.text(), dotted.length(), added, property, valueIndex);
+        }
+    }
+    ORV_CHECK(value != nullptr, "Unable to add a child.");
+    if (value == nullptr) {
+        return 0;
+    }
+    if (added) {
+        Node* parentValue = findValueNodeAsserts(parent);
+        if (parentValue != nullptr) {
+            // A parent of another kind (a misuse already reported) starts counting afresh rather
+            // than from its old payload.
+            const unsigned long long count =
+                parentValue->value.type == type::object ? parentValue->getPayload() : 0;
+            parentValue->setPayload(count + 1);
+            parentValue->value.type = type::object;
+        }
+    }
+    return property;
+}
+
+unsigned int DynamicObject::addChild(unsigned int parent, const char* key, unsigned int length)
+{
+    if (!checkKey(key)) {
+        return 0;
+    }
+    ORV_CHECK(isTypeCompatible(parent, type::object), "The given property is not an object.");
+    ORV_CHECK(checkPropertyKey(key, length), "The given child key, " << impl::keyText(key, length) << " is invalid.");
+    // Either way the child is added: the parent becomes an object.
+    return doAddChild(parent, key, length);
+}
+
+unsigned int DynamicObject::addChild(unsigned int parent, const char* key)
+{
+    return checkKey(key) ? addChild(parent, key, measure(key)) : 0;
+}
+
+unsigned int DynamicObject::addChild(const char* parentKey, const char* key, unsigned int length)
+{
+    return addChild(getPropertyAsserts(parentKey), key, length);
+}
+
+unsigned int DynamicObject::addChild(const char* parentKey, unsigned int parentLength, const char* key,
+                                     unsigned int length)
+{
+    return addChild(getPropertyAsserts(parentKey, parentLength), key, length);
+}
+
+bool DynamicObject::eraseChild(unsigned int parent, const char* key, unsigned int length)
+{
+    if (!checkKey(key)) {
+        return false;
+    }
+    const bool isRoot = parent == root_;
+    const impl::DottedKey dotted(key, isRoot ? 0 : length);
+    const char* fullKey = isRoot ? key : dotted.text();
+    const unsigned int fullLength = isRoot ? length : dotted.length();
+
+    unsigned int child;
+    unsigned int valueIndex;
+    if (findValueNode(findNode(parent, fullKey, fullLength, true, child), valueIndex) == nullptr) {
+        return false;
+    }
+    // An end-of-key node is kept alive by its children: they go first.
+    resetProperty(child);
+    eraseProperty(parent, fullKey, fullLength);
+    Node* parentValue = findValueNodeAsserts(parent);
+    if (parentValue != nullptr) {
+        const unsigned long long count = parentValue->getPayload() - 1;
+        parentValue->setPayload(count);
+        if (count == 0) {
+            // An emptied object becomes null.
+            parentValue->value.type = type::null;
+        }
+    }
+    return true;
+}
+
+bool DynamicObject::eraseChild(const char* parentKey, const char* key, unsigned int length)
+{
+    return eraseChild(getPropertyAsserts(parentKey), key, length);
+}
+
+bool DynamicObject::eraseChild(const char* parentKey, unsigned int parentLength, const char* key,
+                               unsigned int length)
+{
+    return eraseChild(getPropertyAsserts(parentKey, parentLength), key, length);
+}
+
+unsigned int DynamicObject::getChild(unsigned int parent, const char* key, unsigned int length) const
+{
+    if (!checkKey(key) || length == 0) {
+        return 0;
+    }
+    const unsigned int start = findChildrenStart(parent);
+    if (start == 0) {
+        return 0;
+    }
+    unsigned int child;
+    unsigned int valueIndex;
+    findValueNode(start, key, length, child, valueIndex);
+    return child;
+}
+
+unsigned int DynamicObject::getChild(const char* parentKey, const char* key, unsigned int length) const
+{
+    return getChild(getPropertyAsserts(parentKey), key, length);
+}
+
+unsigned int DynamicObject::getChild(const char* parentKey, unsigned int parentLength, const char* key,
+                                     unsigned int length) const
+{
+    return getChild(getPropertyAsserts(parentKey, parentLength), key, length);
+}
+
+bool DynamicObject::hasChild(unsigned int parent, const char* key, unsigned int length) const
+{
+    return getChild(parent, key, length) != 0;
+}
+
+bool DynamicObject::hasChild(unsigned int parent, const char* key) const
+{
+    return checkKey(key) && getChild(parent, key, measure(key)) != 0;
+}
+
+bool DynamicObject::hasChild(const char* parentKey, const char* key, unsigned int length) const
+{
+    return checkKey(parentKey) && hasChild(getProperty(parentKey), key, length);
+}
+
+bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, const char* key,
+                             unsigned int length) const
+{
+    return checkKey(parentKey) && hasChild(getProperty(parentKey, parentLength), key, length);
+}
+
+// Children by position.
+
+unsigned int DynamicObject::getChild(unsigned int parent, unsigned int index) const
+{
+    switch (getType(parent)) {
+    case type::array: {
+        char key[arrayKeyCapacity];
+        const unsigned int length = formatArrayKey(index, key);
+        unsigned int child;
+        unsigned int valueIndex;
+        findValueNode(parent, key, length, child, valueIndex);
+        return child;
+    }
+    case type::object: {
+        // Linear in the position: callers that walk all children use the iterator instead.
+        impl::DynamicObjectPropertyChildrenIterator children(*this, parent);
+        children.next();
+        for (unsigned int i = 0; i < index && !children.end(); ++i) {
+            children.next();
+        }
+        return children.end() ? 0 : children.getProperty();
+    }
+    default:
+        return 0;
+    }
+}
+
+unsigned int DynamicObject::getChild(const char* parentKey, unsigned int index) const
+{
+    return checkKey(parentKey) ? getChild(getProperty(parentKey), index) : 0;
+}
+
+unsigned int DynamicObject::getChild(const char* parentKey, unsigned int parentLength, unsigned int index) const
+{
+    return checkKey(parentKey) ? getChild(getProperty(parentKey, parentLength), index) : 0;
+}
+
+bool DynamicObject::eraseChild(unsigned int parent, unsigned int index)
+{
+    Node* parentValue = findValueNodeAsserts(parent);
+    if (parentValue == nullptr) {
+        return false;
+    }
+    const unsigned int parentType = parentValue->value.type;
+    if (parentType > type::object) {
+        ORV_FAIL(parentType << " is an unknown orv::utils::type");
+        return false;
+    }
+    if (parentType != type::null && parentType != type::array) {
+        ORV_FAIL("Not an array.");
+        return false;
+    }
+    const unsigned int count = countChildren(parent);
+    if (index >= count) {
+        return false;
+    }
+    // Elements keep their end-of-key nodes, and so their handles, by position. The erased element's
+    // node content (its value and subtree) bubbles to the last position, each later one moving down
+    // by one, and the last position is then erased.
+    char key[arrayKeyCapacity];
+    Node* previous = nullptr;
+    for (unsigned int position = index; position < count; ++position) {
+        const unsigned int length = formatArrayKey(position, key);
+        unsigned int element;
+        Node* node = findNode(parent, key, length, true, element);
+        unsigned int valueIndex;
+        if (findValueNode(node, valueIndex) == nullptr || node->trie.less != 0) {
+            ORV_FAIL("Invalid state, " << element << " is not a valid property node.");
+            return false;
+        }
+        if (node->trie.greater != 0) {
+            const Node* separator = getNode(node->trie.greater);
+            if (separator == nullptr ||
+                (separator->trie.splitChar != '.' && separator->trie.splitChar != '[')) {
+                ORV_FAIL("Invalid state, the greater node of " << element << " is not a valid property separator.");
+                return false;
+            }
+        }
+        if (previous != nullptr) {
+            const Node swapped = *previous;
+            *previous = *node;
+            *node = swapped;
+        }
+        previous = node;
+    }
+    parentValue->setPayload(parentValue->getPayload() - 1);
+    const unsigned int length = formatArrayKey(count - 1, key);
+    unsigned int last;
+    findNode(parent, key, length, true, last);
+    resetProperty(last);
+    // The count is not tested for 0 here: the array stays an array with no element, unlike an array
+    // resized to 0. Callers rely on it.
+    return eraseProperty(parent, key, length);
+}
+
+bool DynamicObject::eraseChild(const char* parentKey, unsigned int index)
+{
+    return eraseChild(getPropertyAsserts(parentKey), index);
+}
+
+bool DynamicObject::eraseChild(const char* parentKey, unsigned int parentLength, unsigned int index)
+{
+    return eraseChild(getPropertyAsserts(parentKey, parentLength), index);
+}
+
+bool DynamicObject::resize(unsigned int property, unsigned int newSize)
+{
+    ORV_CHECK(isTypeCompatible(property, type::array), "Can't resize a property that is not an array.");
+    // The call goes on: the property becomes an array.
+    const unsigned int count = countChildren(property);
+    Node* value = findValueNode(property);
+    if (value == nullptr) {
+        return false;
+    }
+    // A request for the maximum size or more is ignored and reported as done, so an array holds
+    // at most maximumArraySize - 1 elements.
+    if (count == newSize || newSize >= maximumArraySize) {
+        return true;
+    }
+    value->setPayload(newSize);
+    value->value.type = newSize == 0 ? type::null : type::array;
+    char key[arrayKeyCapacity];
+    for (unsigned int index = count; index < newSize; ++index) {
+        const unsigned int length = formatArrayKey(index, key);
+        bool added;
+        unsigned int element;
+        unsigned int valueIndex;
+        if (addProperty(property, key, length, added, element, valueIndex) == nullptr) {
+            return false;
+        }
+    }
+    for (unsigned int index = count; index > newSize; --index) {
+        const unsigned int length = formatArrayKey(index - 1, key);
+        unsigned int element;
+        findNode(property, key, length, true, element);
+        resetProperty(element);
+        eraseProperty(property, key, length);
+    }
+    return true;
+}
+
+bool DynamicObject::resize(const char* key, unsigned int newSize)
+{
+    return resize(getPropertyAsserts(key), newSize);
+}
+
+bool DynamicObject::resize(const char* key, unsigned int length, unsigned int newSize)
+{
+    return resize(getPropertyAsserts(key, length), newSize);
+}
+
+void DynamicObject::resetProperty(unsigned int property)
+{
+    notify([](AbstractDynamicObjectListener& listener) { listener.beforeResetProperty(); });
+    Node* value = property != 0 ? findValueNodeAsserts(property) : nullptr;
+    if (value != nullptr) {
+        if (value->value.type == type::array) {
+            resize(property, 0);
+        } else if (value->value.type == type::object) {
+            impl::DynamicObjectPropertyChildrenIterator children(*this, property);
+            while (countChildren(property) > 0) {
+                children.restart();
+                do {
+                    children.next();
+                } while (!children.end() && children.getKeyLength() == 0);
+                // A key that extends this property's own text (`a-x` beside `a`) is walked as if it
+                // were a child but cannot be erased as one: stop rather than try it for ever.
+                if (children.end() || !eraseChild(property, children.getKey(), children.getKeyLength())) {
+                    break;
+                }
+            }
+        }
+        value = findValueNode(property);
+        if (value != nullptr) {
+            value->setPayload(0);
+            value->value.type = type::null;
+        }
+    }
+    notify([property](AbstractDynamicObjectListener& listener) { listener.afterResetProperty(property); });
+}
+
+void DynamicObject::resetProperty(const char* key)
+{
+    resetProperty(checkKey(key) ? getProperty(key) : 0);
+}
+
+void DynamicObject::resetProperty(const char* key, unsigned int length)
+{
+    resetProperty(checkKey(key) ? getProperty(key, length) : 0);
+}
+
+unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, unsigned int length, const char* newKey,
+                                        unsigned int newLength)
+{
+    if (!checkKey(key) || !checkKey(newKey)) {
+        return 0;
+    }
+    ORV_CHECK(length != 0, "No given name for the child to rename.");
+    // An empty key would name the start of the search itself, which for the root is the root.
+    if (length == 0) {
+        return 0;
+    }
+    ORV_CHECK(checkPropertyKey(newKey, newLength),
+              "The given child key, '" << impl::keyText(newKey, newLength) << "' is invalid.");
+    // The call goes on with the key as given.
+    const unsigned int start = findChildrenStart(parent);
+    ORV_CHECK(start != 0, "The given property is not an object having children.");
+    if (start == 0) {
+        return 0;
+    }
+    unsigned int child;
+    unsigned int oldValueIndex;
+    if (findValueNode(start, key, length, child, oldValueIndex) == nullptr) {
+        ORV_FAIL("The given property has no child named '" << impl::keyText(key, length) << "'");
+        return 0;
+    }
+    unsigned int existing;
+    unsigned int existingValue;
+    findValueNode(start, newKey, newLength, existing, existingValue);
+    if (existing == child) {
+        return child;
+    }
+    if (existing != 0) {
+        ORV_FAIL("The given property already has a child named '" << impl::keyText(newKey, newLength) << "'");
+        return 0;
+    }
+    bool added = false;
+    unsigned int renamed = 0;
+    unsigned int newValueIndex = 0;
+    Node* newValue = addProperty(start, newKey, newLength, added, renamed, newValueIndex);
+    if (newValue == nullptr || !added) {
+        ORV_FAIL("Can't add to the given property a child named " << impl::keyText(newKey, newLength));
+        return 0;
+    }
+    const Node* oldValue = getNode(oldValueIndex);
+    *newValue = *oldValue;
+    const unsigned char childType = newValue->value.type;
+    if (childType == type::array || childType == type::object) {
+        // The children hang off the old end-of-key node through its separator. They move under the
+        // new one as they are, so they keep their handles while their paths change.
+        const signed char separator = childType == type::array ? '[' : '.';
+        unsigned int index = child;
+        while (index != 0) {
+            const Node* node = getNode(index);
+            if (node == nullptr) {
+                index = 0;
+            } else if (node->isValueNode()) {
+                ORV_FAIL("unclean state during trie search - detected leaf node");
+                index = 0;
+            } else if (separator == node->trie.splitChar) {
+                break;
+            } else {
+                index = separator < node->trie.splitChar ? node->trie.less : node->trie.greater;
+            }
+        }
+        ORV_CHECK(index != child, "Code assertion on trie structure is false");
+        Node* separatorNode = index != 0 && index != child ? getNode(index) : nullptr;
+        const unsigned int childrenLink = separatorNode != nullptr ? separatorNode->trie.equal : 0;
+        const unsigned long long count = newValue->getPayload();
+        ORV_CHECK((childrenLink != 0) == (count != 0), "Children links and count do not match");
+        if (childrenLink != 0) {
+            unsigned int newSeparatorIndex;
+            Node* newSeparator = allocateNode(separator, newSeparatorIndex);
+            if (newSeparator != nullptr) {
+                newSeparator->trie.equal = childrenLink;
+                getNode(renamed)->trie.greater = newSeparatorIndex;
+                separatorNode->trie.equal = 0;
+            }
+        }
+    }
+    const bool removed = eraseProperty(start, key, length);
+    ORV_CHECK(removed, "Can't remove from the given property its child named " << impl::keyText(key, length));
+    return renamed;
+}
+
+unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, const char* newKey)
+{
+    if (!checkKey(key) || !checkKey(newKey)) {
+        return 0;
+    }
+    return renameChild(parent, key, measure(key), newKey, measure(newKey));
+}
+
+// Copies of subtrees.
+
+void DynamicObject::put(unsigned int property, const DynamicObject& other, unsigned int otherProperty)
+{
+    notify([](AbstractDynamicObjectListener& listener) { listener.beforePut(); });
+    const unsigned int sourceType = other.getType(otherProperty);
+    switch (sourceType) {
+    case type::null:
+        // A null source leaves the destination as it is.
+        break;
+    case type::integer:
+        setInt(property, other.getInt(otherProperty, 0));
+        break;
+    case type::real:
+        setReal(property, other.getReal(otherProperty, 0.0));
+        break;
+    case type::string: {
+        // By text: the hash of the source's table means nothing in this object's table.
+        const char* text = other.getString(otherProperty, "");
+        setString(property, text, measure(text));
+        break;
+    }
+    case type::boolean:
+        setBool(property, other.getBool(otherProperty, false));
+        break;
+    case type::array: {
+        const unsigned int count = other.countChildren(otherProperty);
+        resize(property, count);
+        for (unsigned int index = 0; index < count; ++index) {
+            put(getChild(property, index), other, other.getChild(otherProperty, index));
+        }
+        break;
+    }
+    case type::object: {
+        impl::DynamicObjectPropertyChildrenIterator children(other, otherProperty);
+        for (children.next(); !children.end(); children.next()) {
+            const unsigned int child = addChild(property, children.getKey(), children.getKeyLength());
+            put(child, other, children.getProperty());
+        }
+        break;
+    }
+    default:
+        ORV_FAIL(sourceType << " is an unknown orv::utils::type");
+        break;
+    }
+    notify([property](AbstractDynamicObjectListener& listener) { listener.afterPut(property); });
+}
+
+void DynamicObject::put(unsigned int property, const DynamicObject& other)
+{
+    put(property, other, other.root_);
+}
+
+void DynamicObject::put(const char* key, const DynamicObject& other)
+{
+    put(addProperty(key), other, other.root_);
+}
+
+void DynamicObject::put(const char* key, unsigned int length, const DynamicObject& other)
+{
+    put(addProperty(key, length), other, other.root_);
+}
+
+void DynamicObject::put(const char* key, unsigned int length, const DynamicObject& other, const char* otherKey,
+                        unsigned int otherLength)
+{
+    put(addProperty(key, length), other, other.getPropertyAsserts(otherKey, otherLength));
+}
+
+} // namespace utils
+} // namespace orv

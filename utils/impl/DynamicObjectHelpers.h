@@ -1,0 +1,76 @@
+#ifndef ORV_UTILS_IMPL_DYNAMICOBJECTHELPERS_H
+#define ORV_UTILS_IMPL_DYNAMICOBJECTHELPERS_H
+
+#include <orv/utils/AbstractDynamicObjectListener.h>
+#include <orv/utils/DynamicObject.h>
+
+#include <cstring>
+#include <ostream>
+
+namespace orv {
+namespace utils {
+
+template <typename Call>
+void DynamicObject::notify(Call call) const
+{
+    for (std::size_t i = 0; i < listeners_.size(); ++i) {
+        ORV_CHECK(listeners_[i] != nullptr, "listeners_[i]");
+        // The hook returned: there is no object to call, so this entry is passed over.
+        if (listeners_[i] != nullptr) {
+            call(*listeners_[i]);
+        }
+    }
+}
+
+namespace impl {
+
+/// A counted key in an assertion text.
+struct KeyText {
+    const char* text;
+    unsigned int length;
+};
+
+/// Wraps a counted key for stream output (usable inside the check macros, unlike a braced list).
+inline KeyText keyText(const char* text, unsigned int length)
+{
+    return KeyText{text, length};
+}
+
+inline std::ostream& operator<<(std::ostream& stream, const KeyText& key)
+{
+    return stream.write(key.text, key.length);
+}
+
+/// A key with a `.` put in front, on the stack for the usual short keys.
+class DottedKey {
+public:
+    DottedKey(const char* key, unsigned int length) : length_(length + 1), heap_()
+    {
+        char* text = stack_;
+        if (length_ > sizeof(stack_)) {
+            heap_.resize(length_);
+            text = &heap_[0];
+        }
+        text[0] = '.';
+        std::memcpy(text + 1, key, length);
+        text_ = text;
+    }
+
+    const char* text() const { return text_; }
+    unsigned int length() const { return length_; }
+
+    DottedKey(const DottedKey&) = delete;
+    DottedKey& operator=(const DottedKey&) = delete;
+
+private:
+    unsigned int length_;
+    char stack_[128];
+    String heap_;
+    const char* text_;
+};
+
+} // namespace impl
+} // namespace utils
+} // namespace orv
+
+#endif
