@@ -71,5 +71,15 @@ void Facilities::clearLogger()
     impl_->logger = &impl_->defaultLogger;
 }
 
+TypeManager& Facilities::getTypeManager()
+{
+    return impl_->typeManager;
+}
+
+const TypeManager& Facilities::getTypeManager() const
+{
+    return impl_->typeManager;
+}
+
 } // namespace utils
 } // namespace orv

@@ -7,6 +7,7 @@ namespace orv {
 namespace utils {
 
 class AbstractLogger;
+class TypeManager;
 
 namespace impl {
 struct FacilitiesImpl;
@@ -26,6 +27,10 @@ public:
     void setLogger(AbstractLogger& logger);
     /// Back to the default logger (errors to the error stream, the rest to the output stream).
     void clearLogger();
+
+    /// The process's type registry, filled with the base and start-up types by initialize.
+    TypeManager& getTypeManager();
+    const TypeManager& getTypeManager() const;
 
     Facilities(const Facilities&) = delete;
     Facilities& operator=(const Facilities&) = delete;

@@ -2,6 +2,7 @@
 #define ORV_UTILS_IMPL_FACILITIESIMPL_H
 
 #include <orv/utils/OstreamLogger.h>
+#include <orv/utils/TypeManager.h>
 
 namespace orv {
 namespace utils {
@@ -15,6 +16,7 @@ struct FacilitiesImpl {
     unsigned int marker;
     AbstractLogger* logger;
     OstreamLogger defaultLogger;
+    TypeManager typeManager;
 };
 
 } // namespace impl
