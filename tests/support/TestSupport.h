@@ -8,8 +8,23 @@
 #include <string>
 #include <vector>
 
+#if defined(__SANITIZE_THREAD__)
+#define ORV_TEST_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define ORV_TEST_THREAD_SANITIZER 1
+#endif
+#endif
+
 namespace orv {
 namespace test {
+
+/// True in builds checked by the thread sanitizer, which reports deliberate lock misuse itself.
+#if defined(ORV_TEST_THREAD_SANITIZER)
+constexpr bool underThreadSanitizer = true;
+#else
+constexpr bool underThreadSanitizer = false;
+#endif
 
 using Texts = std::vector<std::string>;
 
