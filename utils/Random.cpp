@@ -3,7 +3,6 @@
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/details/Logging.h>
-#include <orv/utils/details/SfmtGenerator.h>
 #include <orv/utils/impl/RandomTextFormat.h>
 
 #include "Random.pb.h"
@@ -27,11 +26,6 @@ Random& Random::operator=(const Random& other)
 Random::~Random()
 {
     ORV_DELETE(generator_);
-}
-
-unsigned int Random::operator()()
-{
-    return generator_->next();
 }
 
 unsigned int Random::operator()(unsigned int maximum)
