@@ -1,0 +1,145 @@
+// The listener protocol of DynamicObject: which slots fire, in which order, with what.
+
+#include "support/TestSupport.h"
+#include "utils/DynamicObjectTestSupport.h"
+
+#include <orv/utils/DynamicObject.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using orv::test::AssertionCapture;
+using orv::test::RecordingListener;
+using orv::test::Texts;
+using orv::utils::DynamicObject;
+using Events = std::vector<std::string>;
+
+namespace {
+
+std::string number(unsigned int value)
+{
+    return std::to_string(value);
+}
+
+} // namespace
+
+TEST(DynamicObjectListener, EveryInsertionReportsTheKeyAsItGoesIntoTheTrie)
+{
+    DynamicObject object;
+    RecordingListener listener;
+    object.addListener(&listener);
+    const unsigned int p = object.addChild(object.getRoot(), "p", 1);
+    const unsigned int x = object.addChild(p, "x", 1);
+    const unsigned int y = object.addChild(p, "y", 1);
+    // The first child of a property brings its separator; the others go in after it.
+    EXPECT_EQ(listener.events, (Events{"beforeAddProperty", "afterAddProperty(p," + number(p) + ")",
+                                       "beforeAddProperty", "afterAddProperty(.x," + number(x) + ")",
+                                       "beforeAddProperty", "afterAddProperty(y," + number(y) + ")"}));
+    listener.events.clear();
+    object.resize(object.addChild(p, "list", 4), 2);
+    const unsigned int list = object.getProperty("p.list");
+    EXPECT_EQ(listener.events,
+              (Events{"beforeAddProperty", "afterAddProperty(list," + number(list) + ")", "beforeAddProperty",
+                      "afterAddProperty([0]," + number(object.getChild(list, 0u)) + ")", "beforeAddProperty",
+                      "afterAddProperty([1]," + number(object.getChild(list, 1u)) + ")"}));
+}
+
+TEST(DynamicObjectListener, AWriteOverChildrenReportsTheResetsInsideTheWrite)
+{
+    DynamicObject object;
+    const unsigned int p = object.addProperty("p");
+    const unsigned int x = object.addChild(p, "x", 1);
+    const unsigned int y = object.addChild(p, "y", 1);
+    object.setInt(y, 2);
+    RecordingListener listener;
+    object.addListener(&listener);
+
+    object.setInt(x, 1);
+    EXPECT_EQ(listener.events, (Events{"beforeSetInt", "afterSetInt(" + number(x) + ",1)"}));
+    listener.events.clear();
+    object.setInt(p, 7);
+    EXPECT_EQ(listener.events,
+              (Events{"beforeSetInt", "beforeResetProperty", "beforeResetProperty",
+                      "afterResetProperty(" + number(x) + ")", "beforeResetProperty",
+                      "afterResetProperty(" + number(y) + ")", "afterResetProperty(" + number(p) + ")",
+                      "afterSetInt(" + number(p) + ",7)"}));
+    listener.events.clear();
+    object.setReal(p, 0.5);
+    object.setString(p, "text");
+    object.setBool(p, true);
+    EXPECT_EQ(listener.events,
+              (Events{"beforeSetReal", "afterSetReal(" + number(p) + ",0.5)", "beforeSetString",
+                      "afterSetString(" + number(p) + ",text)", "beforeSetBool",
+                      "afterSetBool(" + number(p) + ",true)"}));
+}
+
+TEST(DynamicObjectListener, OnlyCountedLookupsAndPutsAndCopiesAreReported)
+{
+    DynamicObject object;
+    object.setInt("a.b", 1);
+    DynamicObject other;
+    other.setInt("v", 2);
+    RecordingListener listener;
+    object.addListener(&listener);
+
+    object.getProperty("a.b");
+    object.hasProperty("a.b", 3);
+    object.getInt("a.b", 0);
+    EXPECT_EQ(listener.events, Events{});
+    object.getProperty("a.bc", 3);
+    object.getInt("a", 1, 0);
+    EXPECT_EQ(listener.events,
+              (Events{"beforeGetProperty", "afterGetProperty(a.b)", "beforeGetProperty", "afterGetProperty(a)"}));
+
+    listener.events.clear();
+    const unsigned int b = object.getProperty("a.b");
+    object.put(b, other, other.getProperty("v"));
+    EXPECT_EQ(listener.events, (Events{"beforePut", "beforeSetInt", "afterSetInt(" + number(b) + ",2)",
+                                       "afterPut(" + number(b) + ")"}));
+
+    listener.events.clear();
+    object = other;
+    EXPECT_EQ(listener.events, (Events{"beforeCopy", "afterCopy"}));
+    // clear reports nothing.
+    listener.events.clear();
+    object.clear();
+    EXPECT_EQ(listener.events, Events{});
+}
+
+TEST(DynamicObjectListener, ListenersAreCalledInOrderAndRemovedByValue)
+{
+    DynamicObject object;
+    const unsigned int a = object.addProperty("a");
+    RecordingListener first;
+    RecordingListener second;
+    object.addListener(&first);
+    object.addListener(&second);
+    object.addListener(&first);
+    object.setBool(a, false);
+    EXPECT_EQ(first.events.size(), 4u);
+    EXPECT_EQ(second.events.size(), 2u);
+
+    object.removeListener(&first);
+    object.setBool(a, true);
+    EXPECT_EQ(first.events.size(), 4u);
+    EXPECT_EQ(second.events.size(), 4u);
+
+    object.setListener(&first);
+    object.setBool(a, true);
+    EXPECT_EQ(first.events.size(), 6u);
+    EXPECT_EQ(second.events.size(), 4u);
+    object.setListener(nullptr);
+    object.setBool(a, true);
+    EXPECT_EQ(first.events.size(), 6u);
+
+    // A null entry is reported for each slot, and the others are still called.
+    AssertionCapture capture;
+    object.addListener(nullptr);
+    object.addListener(&second);
+    object.setBool(a, false);
+    EXPECT_EQ(capture.texts(), (Texts{"listeners_[i]", "listeners_[i]"}));
+    EXPECT_EQ(second.events.size(), 6u);
+    EXPECT_FALSE(object.getBool(a, true));
+}
