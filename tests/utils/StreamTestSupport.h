@@ -1,0 +1,49 @@
+#ifndef ORV_TESTS_UTILS_STREAMTESTSUPPORT_H
+#define ORV_TESTS_UTILS_STREAMTESTSUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+namespace orv {
+namespace test {
+
+/// A file path of its own in the test's temporary folder, removed with the object.
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const std::string& name)
+        : path_(testing::TempDir() + "orv_" + std::to_string(::getpid()) + "_" + name)
+    {
+        std::remove(path_.c_str());
+    }
+    ~TemporaryFile() { std::remove(path_.c_str()); }
+
+    const std::string& path() const { return path_; }
+    const char* c_str() const { return path_.c_str(); }
+
+    void write(const std::string& bytes) const
+    {
+        std::ofstream file(path_, std::ios_base::binary);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    std::string read() const
+    {
+        std::ifstream file(path_, std::ios_base::binary);
+        return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+private:
+    std::string path_;
+};
+
+} // namespace test
+} // namespace orv
+
+#endif

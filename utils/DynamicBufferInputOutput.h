@@ -1,0 +1,41 @@
+#ifndef ORV_UTILS_DYNAMICBUFFERINPUTOUTPUT_H
+#define ORV_UTILS_DYNAMICBUFFERINPUTOUTPUT_H
+
+#include <orv/utils/AbstractDataInputOutput.h>
+#include <orv/utils/Common.h>
+
+namespace orv {
+namespace utils {
+
+/// A growing buffer of its own: writes append at the end, reads consume from a position of their
+/// own. Bytes already read stay stored until `clear`.
+class ORV_UTILS_API DynamicBufferInputOutput : public AbstractDataInputOutput {
+public:
+    explicit DynamicBufferInputOutput(const char* description);
+
+    /// The first stored byte, consumed or not; null until a byte has ever been written.
+    const char* data() const { return bytes_.data(); }
+    /// Every stored byte, consumed or not; not the amount left to read.
+    unsigned int size() const { return static_cast<unsigned int>(bytes_.size()); }
+    bool empty() const { return bytes_.empty(); }
+    /// Drops the bytes but keeps the memory, and reads from the start again.
+    void clear();
+
+    const char* getDescription() const override;
+    bool isWritable() const override;
+    /// Throws std::length_error only when the stored size would no longer fit an unsigned int.
+    bool write(const char* buffer, unsigned int size, AbstractLogger* logger) override;
+    bool isReadable() const override;
+    bool read(char* buffer, unsigned int& size, AbstractLogger* logger) override;
+    bool peekRead(char* buffer, unsigned int& size, AbstractLogger* logger) override;
+
+private:
+    Vector<char> bytes_;
+    unsigned int position_;
+    String description_;
+};
+
+} // namespace utils
+} // namespace orv
+
+#endif
