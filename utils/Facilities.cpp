@@ -9,7 +9,13 @@ namespace orv {
 namespace utils {
 namespace impl {
 
-FacilitiesImpl::FacilitiesImpl() : marker(0), logger(nullptr), defaultLogger(&std::cerr, &std::cout, &std::cout, &std::cout)
+FacilitiesImpl::FacilitiesImpl()
+    : marker(0),
+      logger(nullptr),
+      defaultLogger(&std::cerr, &std::cout, &std::cout, &std::cout),
+      typeManager(),
+      stringTable(0x1e07),
+      randomManager()
 {
     marker = 1;
     logger = &defaultLogger;
@@ -79,6 +85,26 @@ TypeManager& Facilities::getTypeManager()
 const TypeManager& Facilities::getTypeManager() const
 {
     return impl_->typeManager;
+}
+
+StringTable& Facilities::getStringTable()
+{
+    return impl_->stringTable;
+}
+
+const StringTable& Facilities::getStringTable() const
+{
+    return impl_->stringTable;
+}
+
+RandomManager& Facilities::getRandomNumberGenerator()
+{
+    return impl_->randomManager;
+}
+
+const RandomManager& Facilities::getRandomNumberGenerator() const
+{
+    return impl_->randomManager;
 }
 
 } // namespace utils

@@ -7,6 +7,8 @@ namespace orv {
 namespace utils {
 
 class AbstractLogger;
+class RandomManager;
+class StringTable;
 class TypeManager;
 
 namespace impl {
@@ -31,6 +33,11 @@ public:
     /// The process's type registry, filled with the base and start-up types by initialize.
     TypeManager& getTypeManager();
     const TypeManager& getTypeManager() const;
+    /// The process-wide string table (seed 7687).
+    StringTable& getStringTable();
+    const StringTable& getStringTable() const;
+    RandomManager& getRandomNumberGenerator();
+    const RandomManager& getRandomNumberGenerator() const;
 
     Facilities(const Facilities&) = delete;
     Facilities& operator=(const Facilities&) = delete;

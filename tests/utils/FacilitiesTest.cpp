@@ -4,6 +4,8 @@
 #include <orv/utils/Facilities.h>
 #include <orv/utils/OstreamLogger.h>
 #include <orv/utils/Platforms.h>
+#include <orv/utils/RandomManager.h>
+#include <orv/utils/StringTable.h>
 #include <orv/utils/ScopedPtr.h>
 #include <orv/utils/c/System.h>
 
@@ -102,4 +104,16 @@ TEST(Platforms, NamesTheTableAndRefusesOtherValues)
     AssertionCapture capture;
     EXPECT_EQ(orv_utils_platform_toString(2), nullptr);
     EXPECT_EQ(capture.texts(), (Texts{"Unknown platform"}));
+}
+
+TEST(Facilities, OwnTheProcessWideStringTableAndRandomManager)
+{
+    Facilities::create();
+    StringTable& table = Facilities::instance().getStringTable();
+    // Seeded with 7687: the reference hash of "a" under that seed.
+    EXPECT_EQ(table.hash("a", nullptr), 0x700eac21b70a5322ULL);
+    const unsigned long long hash = table.add("shared text", nullptr);
+    EXPECT_STREQ(table.retrieve(hash, nullptr), "shared text");
+    EXPECT_EQ(Facilities::instance().getRandomNumberGenerator().getSeed(), 0x0FFFF000u);
+    Facilities::destroy();
 }

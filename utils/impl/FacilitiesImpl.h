@@ -2,6 +2,8 @@
 #define ORV_UTILS_IMPL_FACILITIESIMPL_H
 
 #include <orv/utils/OstreamLogger.h>
+#include <orv/utils/RandomManager.h>
+#include <orv/utils/StringTable.h>
 #include <orv/utils/TypeManager.h>
 
 namespace orv {
@@ -17,6 +19,8 @@ struct FacilitiesImpl {
     AbstractLogger* logger;
     OstreamLogger defaultLogger;
     TypeManager typeManager;
+    StringTable stringTable;
+    RandomManager randomManager;
 };
 
 } // namespace impl
