@@ -1,0 +1,131 @@
+#include "support/RecordingBuilder.h"
+
+#include <charconv>
+
+namespace orv {
+namespace test {
+
+bool RecordingBuilder::isComplete() const
+{
+    return !broken_ && expected_.size() == 1 && expected_.back() == Expect::begin && !line_.empty();
+}
+
+void RecordingBuilder::clear()
+{
+    line_.clear();
+    expected_.assign(1, Expect::begin);
+    broken_ = false;
+}
+
+bool RecordingBuilder::record(const std::string& token, bool allowed)
+{
+    if (!line_.empty()) {
+        line_ += ' ';
+    }
+    if (!allowed) {
+        line_ += '!';
+        broken_ = true;
+    }
+    line_ += token;
+    if (!refused_.empty() && token == refused_) {
+        refused_.clear();
+        return false;
+    }
+    return true;
+}
+
+bool RecordingBuilder::value(const std::string& token, Expect opens)
+{
+    const Expect top = expected_.back();
+    const bool allowed = top == Expect::rootValue || top == Expect::objectValue || top == Expect::arrayValue;
+    if (allowed) {
+        expected_.back() = top == Expect::rootValue ? Expect::end
+            : top == Expect::objectValue            ? Expect::key
+                                                    : Expect::element;
+        if (opens != Expect::begin) {
+            expected_.push_back(opens);
+        }
+    }
+    return record(token, allowed);
+}
+
+bool RecordingBuilder::step(const std::string& token, Expect from, Expect to, bool closes)
+{
+    const bool allowed = expected_.back() == from;
+    if (allowed && closes) {
+        expected_.pop_back();
+    } else if (allowed) {
+        expected_.back() = to;
+    }
+    return record(token, allowed);
+}
+
+bool RecordingBuilder::begin()
+{
+    return step("begin", Expect::begin, Expect::rootValue);
+}
+
+bool RecordingBuilder::end()
+{
+    return step("end", Expect::end, Expect::begin);
+}
+
+bool RecordingBuilder::null()
+{
+    return value("null");
+}
+
+bool RecordingBuilder::boolean(bool value)
+{
+    return this->value(value ? "bool(true)" : "bool(false)");
+}
+
+bool RecordingBuilder::integer(long long value)
+{
+    return this->value("int(" + std::to_string(value) + ")");
+}
+
+bool RecordingBuilder::real(double value)
+{
+    char text[64];
+    const std::to_chars_result result = std::to_chars(text, text + sizeof text, value);
+    return this->value("real(" + std::string(text, result.ptr) + ")");
+}
+
+bool RecordingBuilder::string(const char* value, unsigned int size)
+{
+    return this->value("string(" + std::string(value, size) + ")");
+}
+
+bool RecordingBuilder::beginObject()
+{
+    return value("beginObject", Expect::key);
+}
+
+bool RecordingBuilder::objectChild(const char* key, unsigned int size)
+{
+    return step("child(" + std::string(key, size) + ")", Expect::key, Expect::objectValue);
+}
+
+bool RecordingBuilder::endObject()
+{
+    return step("endObject", Expect::key, Expect::key, true);
+}
+
+bool RecordingBuilder::beginArray()
+{
+    return value("beginArray", Expect::element);
+}
+
+bool RecordingBuilder::arrayChild()
+{
+    return step("child", Expect::element, Expect::arrayValue);
+}
+
+bool RecordingBuilder::endArray()
+{
+    return step("endArray", Expect::element, Expect::element, true);
+}
+
+} // namespace test
+} // namespace orv

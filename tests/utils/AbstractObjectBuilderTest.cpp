@@ -1,0 +1,195 @@
+#include "support/RecordingBuilder.h"
+#include "support/TestSupport.h"
+
+#include <orv/utils/AbstractObjectBuilder.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+extern "C" const char* orv_test_sendDocumentFromC(orv_ObjectBuilder* builder);
+
+namespace orv {
+namespace test {
+namespace {
+
+/// Overrides nothing: every event gets the base answer.
+class BareBuilder : public utils::AbstractObjectBuilder { };
+
+TEST(AbstractObjectBuilder, RefusesWhatAConsumerDoesNotOverride)
+{
+    BareBuilder builder;
+    EXPECT_TRUE(builder.begin());
+    EXPECT_TRUE(builder.end());
+    EXPECT_FALSE(builder.integer(1));
+    EXPECT_EQ(builder.getLogger(), nullptr);
+
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    EXPECT_EQ(builder.getLogger(), &logger);
+    EXPECT_FALSE(builder.null());
+    EXPECT_FALSE(builder.boolean(true));
+    EXPECT_FALSE(builder.integer(1));
+    EXPECT_FALSE(builder.real(1.0));
+    EXPECT_FALSE(builder.string("text"));
+    EXPECT_FALSE(builder.string("text", 2));
+    EXPECT_FALSE(builder.beginObject());
+    EXPECT_FALSE(builder.objectChild("key"));
+    EXPECT_FALSE(builder.objectChild("key", 3));
+    EXPECT_FALSE(builder.endObject());
+    EXPECT_FALSE(builder.beginArray());
+    EXPECT_FALSE(builder.arrayChild());
+    EXPECT_FALSE(builder.endArray());
+    const std::string objects = "error|invalid operation|Object properties not supported by this object builder.";
+    const std::string arrays = "error|invalid operation|Array properties not supported by this object builder.";
+    EXPECT_EQ(logger.lines,
+        (Texts {
+            "error|invalid operation|Null properties not supported by this object builder.",
+            "error|invalid operation|Boolean properties not supported by this object builder.",
+            "error|invalid operation|Integer properties not supported by this object builder.",
+            "error|invalid operation|Real properties not supported by this object builder.",
+            "error|invalid operation|String properties not supported by this object builder.",
+            "error|invalid operation|String properties not supported by this object builder.",
+            objects,
+            objects,
+            objects,
+            objects,
+            arrays,
+            arrays,
+            arrays,
+        }));
+}
+
+TEST(AbstractObjectBuilder, MeasuresZeroTerminatedTexts)
+{
+    RecordingBuilder builder;
+    utils::AbstractObjectBuilder& events = builder;
+    events.begin();
+    events.beginObject();
+    events.objectChild("key");
+    events.string("some text");
+    events.objectChild("");
+    events.string("");
+    events.endObject();
+    events.end();
+    EXPECT_EQ(builder.line(), "begin beginObject child(key) string(some text) child() string() endObject end");
+
+    AssertionCapture capture;
+    EXPECT_FALSE(events.string(nullptr));
+    EXPECT_FALSE(events.objectChild(nullptr));
+    EXPECT_EQ(capture.texts(), (Texts { "value", "key" }));
+}
+
+TEST(ObjectBuilderC, TheTableForwardsEveryEvent)
+{
+    RecordingBuilder builder;
+    EXPECT_EQ(builder.getWrapper().ctx, &builder);
+    EXPECT_EQ(orv_test_sendDocumentFromC(&builder.getWrapper()), nullptr);
+    const char expected[] = "begin beginObject child(a) beginArray child int(1) child real(0.5) child bool(true) "
+                            "child null child string(x\0y) endArray child(b) string() endObject end";
+    EXPECT_EQ(builder.line(), std::string(expected, sizeof expected - 1));
+    EXPECT_TRUE(builder.isComplete());
+}
+
+TEST(ObjectBuilderC, AFalseAnswerStopsTheCProducer)
+{
+    RecordingBuilder builder;
+    builder.refuseAt("real(0.5)");
+    EXPECT_STREQ(orv_test_sendDocumentFromC(&builder.getWrapper()), "builder->real(ctx, 0.5)");
+    EXPECT_EQ(builder.line(), "begin beginObject child(a) beginArray child int(1) child real(0.5)");
+}
+
+TEST(ObjectBuilderC, ANullTextFromCIsRefusedUnlessEmpty)
+{
+    RecordingBuilder builder;
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    orv_ObjectBuilder& table = builder.getWrapper();
+    EXPECT_TRUE(table.begin(table.ctx));
+    EXPECT_TRUE(table.beginObject(table.ctx));
+    EXPECT_FALSE(table.objectChild(table.ctx, nullptr, 3));
+    EXPECT_TRUE(table.objectChild(table.ctx, nullptr, 0));
+    EXPECT_FALSE(table.string(table.ctx, nullptr, 5));
+    EXPECT_EQ(builder.line(), "begin beginObject child()");
+    EXPECT_EQ(logger.lines,
+        (Texts {
+            "error|invalid argument|Null text of 3 bytes passed to the object builder.",
+            "error|invalid argument|Null text of 5 bytes passed to the object builder.",
+        }));
+}
+
+TEST(ObjectBuilderC, ATableWithoutBuilderIsABrokenContract)
+{
+    RecordingBuilder builder;
+    orv_ObjectBuilder& table = builder.getWrapper();
+    AssertionCapture capture;
+    EXPECT_EQ(table.begin(nullptr), 0);
+    EXPECT_EQ(table.boolean(nullptr, 1), 0);
+    EXPECT_EQ(table.integer(nullptr, 1), 0);
+    EXPECT_EQ(table.real(nullptr, 1.0), 0);
+    EXPECT_EQ(table.objectChild(nullptr, "a", 1), 0);
+    EXPECT_EQ(table.endArray(nullptr), 0);
+    EXPECT_EQ(capture.texts(), Texts(6, "ctx"));
+    EXPECT_EQ(builder.line(), "");
+}
+
+TEST(ObjectBuilderC, ACopysTableStillAddressesTheOriginal)
+{
+    RecordingBuilder original;
+    RecordingLogger logger;
+    original.setLogger(&logger);
+    RecordingBuilder copy(original);
+    EXPECT_EQ(copy.getLogger(), &logger);
+    orv_ObjectBuilder& table = copy.getWrapper();
+    EXPECT_EQ(table.ctx, &original);
+    table.begin(table.ctx);
+    EXPECT_EQ(original.line(), "begin");
+    EXPECT_EQ(copy.line(), "");
+
+    RecordingBuilder assigned;
+    assigned = original;
+    assigned.getWrapper().end(assigned.getWrapper().ctx);
+    EXPECT_EQ(original.line(), "begin !end");
+    EXPECT_EQ(assigned.getLogger(), &logger);
+}
+
+TEST(RecordingBuilder, MarksEveryEventThatBreaksTheGrammar)
+{
+    RecordingBuilder builder;
+    builder.begin();
+    builder.beginArray();
+    builder.integer(1); // no arrayChild before the element
+    builder.arrayChild();
+    builder.arrayChild(); // two children without a value
+    builder.beginObject();
+    builder.integer(2); // a value where a key belongs
+    builder.objectChild("k");
+    builder.endObject(); // the key has no value
+    builder.string("v");
+    builder.endArray(); // the object is still open
+    builder.endObject();
+    builder.endArray();
+    builder.null(); // a second root value
+    builder.end();
+    builder.end(); // one end per document
+    EXPECT_EQ(builder.line(),
+        "begin beginArray !int(1) child !child beginObject !int(2) child(k) !endObject string(v) "
+        "!endArray endObject endArray !null end !end");
+    EXPECT_FALSE(builder.isComplete());
+
+    builder.clear();
+    builder.begin();
+    builder.real(-0.1);
+    builder.end();
+    builder.begin();
+    builder.boolean(false);
+    builder.end();
+    EXPECT_EQ(builder.line(), "begin real(-0.1) end begin bool(false) end");
+    EXPECT_TRUE(builder.isComplete());
+    builder.begin();
+    EXPECT_FALSE(builder.isComplete()) << "a document that has begun is not complete";
+}
+
+} // namespace
+} // namespace test
+} // namespace orv
