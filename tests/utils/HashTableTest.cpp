@@ -1,4 +1,3 @@
-#include <orv/allocator/Allocator.h>
 #include <orv/utils/HashTable.h>
 
 #include "support/TestSupport.h"
@@ -132,21 +131,4 @@ TEST(HashTable, AtOfAnAbsentKeyIsAFailedAssertion)
     table.at(42);
     static_cast<const HashTable<int>&>(table).at(18446744073709551615ull);
     EXPECT_EQ(capture.texts(), (Texts{"No value registered at 42.", "No value registered at 18446744073709551615."}));
-}
-
-TEST(HashTable, LookupsDoNotAllocate)
-{
-    HashTable<int> table;
-    for (int i = 0; i < 100; ++i) {
-        table.add(i * 7919ull, i);
-    }
-    const orv::allocator::Allocator& allocator = orv::allocator::Allocator::instance();
-    const unsigned long long serial = allocator.getNextSerial();
-    int sum = 0;
-    for (int i = 0; i < 200; ++i) {
-        sum += table.find(i * 7919ull).found() ? table.at(i * 7919ull) : 0;
-        sum += table.lookup(i) != nullptr ? 1 : 0;
-    }
-    EXPECT_EQ(sum, 4950 + 1);
-    EXPECT_EQ(allocator.getNextSerial(), serial);
 }
