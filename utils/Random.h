@@ -11,7 +11,7 @@ class Random;
 
 /// Text of the stream's seed and place; null on failure. The text has no terminating zero:
 /// `size` gives its length. The buffer comes from the library allocator with its size in one
-/// word ahead of the returned pointer.
+/// word ahead of the returned pointer; the caller releases it with details::releaseArray.
 ORV_UTILS_API char* serializeRandom(unsigned int& size, const Random& random, AbstractLogger* logger);
 /// Replaces `random` by the stream in the text; on failure `random` is left as it was.
 ORV_UTILS_API bool deserializeRandom(const char* data, unsigned int size, Random& random, AbstractLogger* logger);
@@ -27,7 +27,8 @@ public:
     Random& operator=(const Random& other);
     ~Random();
 
-    /// The next word. Inline so that, in a caller's loop, the place stays in a register.
+    /// The next word. Inline, so that the common draw is a test, a load and an add in the
+    /// caller's own code, with no call.
     unsigned int operator()() { return generator_->next(); }
     /// Uniform in [0, maximum]. 0 consumes nothing; a draw may consume several words.
     unsigned int operator()(unsigned int maximum);

@@ -11,7 +11,7 @@ class RandomManager;
 
 /// Text of the manager's master seed; null on failure. The text has no terminating zero: `size`
 /// gives its length. The buffer comes from the library allocator with its size in one word ahead
-/// of the returned pointer.
+/// of the returned pointer; the caller releases it with details::releaseArray.
 ORV_UTILS_API char* serializeRandomManager(unsigned int& size, const RandomManager& manager, AbstractLogger* logger);
 /// Sets the master seed from the text; on failure the manager is left as it was.
 ORV_UTILS_API bool deserializeRandomManager(const char* data, unsigned int size, RandomManager& manager,

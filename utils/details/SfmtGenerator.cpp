@@ -72,7 +72,7 @@ void certifyPeriod(unsigned int* state)
 SfmtGenerator::SfmtGenerator(unsigned int seed) : position_(unseeded), generation_(-1), stride_(1), seed_(seed)
 {
     key_.push_back(seed);
-    // The words are filled by the first draw; until then nothing reads them.
+    // The seed fills the words at the first draw, but a copy made before then copies them too.
     std::memset(state_, 0, sizeof(state_));
     reset();
 }
