@@ -82,13 +82,26 @@ long long truncate(double value)
 
 } // namespace
 
+unsigned int DynamicObject::computeBlockShift(unsigned int blockSize)
+{
+    if (blockSize == 0 || (blockSize & (blockSize - 1)) != 0) {
+        return noBlockShift;
+    }
+    unsigned int shift = 0;
+    while ((1u << shift) != blockSize) {
+        ++shift;
+    }
+    return shift;
+}
+
 DynamicObject::DynamicObject()
     : nodeAllocator_(ORV_NEW(NodeAllocator)(defaultBlockSize)),
       stringTable_(ORV_NEW(StringTable)(stringTableSeed)),
       isOwning_(true),
       root_(0),
       lastBlockUsed_(defaultBlockSize),
-      firstFreeNode_(0)
+      firstFreeNode_(0),
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
 {
     addRootProperty();
 }
@@ -99,7 +112,8 @@ DynamicObject::DynamicObject(NodeAllocator& allocator, StringTable& stringTable)
       isOwning_(false),
       root_(0),
       lastBlockUsed_(allocator.blockSize_),
-      firstFreeNode_(0)
+      firstFreeNode_(0),
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
 {
     addRootProperty();
 }
@@ -110,7 +124,8 @@ DynamicObject::DynamicObject(const DynamicObject& other)
       isOwning_(true),
       root_(0),
       lastBlockUsed_(other.nodeAllocator_->blockSize_),
-      firstFreeNode_(0)
+      firstFreeNode_(0),
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
 {
     doMemoryCopy(other);
 }
@@ -121,7 +136,8 @@ DynamicObject::DynamicObject(const Ref& other)
       isOwning_(false),
       root_(0),
       lastBlockUsed_(other.get().nodeAllocator_->blockSize_),
-      firstFreeNode_(0)
+      firstFreeNode_(0),
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
 {
     doMemoryCopy(other.get());
 }

@@ -206,15 +206,28 @@ private:
         if (index == 0) {
             return nullptr;
         }
-        const unsigned int blockSize = nodeAllocator_->blockSize_;
-        const unsigned int block = (index - 1) / blockSize;
-        ORV_CHECK(block < blocks_.size(), "Block index out of range");
-        // The hook returned: a handle past the blocks names nothing, rather than memory not ours.
-        if (block >= blocks_.size()) {
+        const unsigned int offset = index - 1;
+        unsigned int block;
+        unsigned int slot;
+        // Every key step goes through here: a power-of-two block size (the default) saves the division.
+        if (blockShift_ != noBlockShift) {
+            block = offset >> blockShift_;
+            slot = offset & ((1u << blockShift_) - 1);
+        } else {
+            block = offset / nodeAllocator_->blockSize_;
+            slot = offset % nodeAllocator_->blockSize_;
+        }
+        if (__builtin_expect(block >= blocks_.size(), 0)) {
+            ORV_FAIL("Block index out of range");
+            // The hook returned: a handle past the blocks names nothing, rather than memory not ours.
             return nullptr;
         }
-        return blocks_[block] + (index - 1) % blockSize;
+        return blocks_[block] + slot;
     }
+
+    static constexpr unsigned int noBlockShift = 0xFFFFFFFFu;
+    /// log2 of the block size when it is a power of two, else noBlockShift.
+    static unsigned int computeBlockShift(unsigned int blockSize);
 
     Node* allocateNode(char splitChar, unsigned int& index);
     Node* allocateValueNode(unsigned int& index);
@@ -260,6 +273,8 @@ private:
     unsigned int root_;
     unsigned int lastBlockUsed_;
     unsigned int firstFreeNode_;
+    // Derived from the allocator's block size, for getNode.
+    unsigned int blockShift_;
 };
 
 } // namespace utils

@@ -87,15 +87,14 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
             break;
         }
         const signed char c = static_cast<signed char>(key[position]);
-        if (c < node->trie.splitChar) {
-            index = node->trie.less;
-        } else if (c == node->trie.splitChar) {
+        if (c == node->trie.splitChar) {
             ++position;
             if (position < length || !toProperty) {
                 index = node->trie.equal;
             }
         } else {
-            index = node->trie.greater;
+            // Written as a selection so that the compiler needs no branch for the side taken.
+            index = c < node->trie.splitChar ? node->trie.less : node->trie.greater;
         }
     }
     if (index != 0 && toProperty) {
