@@ -11,8 +11,8 @@ namespace utils {
 
 /// A table from 64-bit keys, which the caller has already hashed, to values. Entries are packed
 /// densely in one array and chained by index, so that a lookup is one modulo and a walk in that
-/// array, with no allocation and no pointer per node. The table only grows. Values are held as
-/// given: the table never releases what it overwrites or erases.
+/// array, with no allocation and no pointer per node. The bucket array only grows. Values are
+/// held as given: the table never releases what it overwrites or erases.
 template <typename T>
 class HashTable {
 public:

@@ -59,6 +59,7 @@ void StringTable::copyStrings(const StringTable& other)
     for (const HashTable<String*>::Entry& entry : other.table_) {
         String* string = pool_.obtain();
         if (string == nullptr) {
+            // Memory ran out: the entry goes rather than share the source's string.
             table_.erase(entry.key);
             continue;
         }
@@ -86,6 +87,7 @@ unsigned long long StringTable::add(const char* string, unsigned int length, Abs
     if (!table_.find(hash).found()) {
         String* stored = pool_.obtain();
         if (stored == nullptr) {
+            // Memory ran out: nothing is registered, and 0 says so.
             return 0;
         }
         stored->assign(string, length);
