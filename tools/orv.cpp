@@ -3,7 +3,11 @@
 #include <orv/utils/Facilities.h>
 #include <orv/utils/OstreamLogger.h>
 #include <orv/utils/Platforms.h>
+#include <orv/utils/RandomManager.h>
 #include <orv/utils/System.h>
+#include <orv/utils/Type.h>
+#include <orv/utils/TypeManager.h>
+#include <orv/utils/Uuid.h>
 #include <orv/utils/c/System.h>
 
 #include <cstring>
@@ -31,8 +35,18 @@ int runInfo()
     std::cout << "orv_utils " << orv_utils_getVersionStr() << "\n";
     std::cout << "platform: " << orv::utils::platform::toString(orv::utils::getCurrentPlatform()) << " ("
               << orv::utils::getCurrentPlatform() << ")\n";
+    orv::utils::Facilities& facilities = orv::utils::Facilities::instance();
     std::cout << "facilities:\n";
     std::cout << "  logger: default (errors to stderr, other levels to stdout)\n";
+    std::cout << "  string table: seed 7687\n";
+    std::cout << "  random manager: master seed " << facilities.getRandomNumberGenerator().getSeed() << "\n";
+    const orv::utils::TypeManager& types = facilities.getTypeManager();
+    const auto ids = types.getTypeIds();
+    std::cout << "  type manager: " << ids.size() << " registered types\n";
+    for (const orv::utils::Uuid& id : ids) {
+        const char* kind = orv::utils::toString(types.getType(id));
+        std::cout << "    " << id << "  " << types.getTypeName(id) << " (" << (kind ? kind : "?") << ")\n";
+    }
     orv::utils::terminate(&logger);
     return 0;
 }

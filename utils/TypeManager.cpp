@@ -230,6 +230,16 @@ bool TypeManager::isTypeRegistered(const char* name) const
     return name != nullptr && typesByName_.find(String(name)) != typesByName_.end();
 }
 
+Vector<Uuid> TypeManager::getTypeIds() const
+{
+    Vector<Uuid> ids;
+    ids.reserve(typesByName_.size());
+    for (const auto& entry : typesByName_) {
+        ids.push_back(entry.second->getTypeId());
+    }
+    return ids;
+}
+
 const Uuid& TypeManager::getTypeId(const char* name) const
 {
     auto found = name == nullptr ? typesByName_.end() : typesByName_.find(String(name));

@@ -77,6 +77,8 @@ public:
 
     bool isTypeRegistered(const Uuid& id) const;
     bool isTypeRegistered(const char* name) const;
+    /// The ids of all registered types, ordered by name.
+    Vector<Uuid> getTypeIds() const;
     /// An unknown name is a broken contract; the null id is the answer then.
     const Uuid& getTypeId(const char* name) const;
     /// An unknown id is a broken contract (here and below); the empty text is the answer then.
