@@ -5,6 +5,7 @@
 #include <orv/utils/Assertion.h>
 #include <orv/utils/Common.h>
 #include <orv/utils/Mutex.h>
+#include <orv/utils/details/BlockAddressSet.h>
 
 namespace orv {
 namespace utils {
@@ -22,9 +23,7 @@ public:
     ~BlockAllocator()
     {
         allocator::Allocator& memory = allocator::Allocator::instance();
-        for (T* block : allocated_) {
-            memory.deallocate(block);
-        }
+        allocated_.forEach([&memory](T* block) { memory.deallocate(block); });
         for (T* block : returned_) {
             memory.deallocate(block);
         }
@@ -52,11 +51,10 @@ public:
     void deallocate(T* block)
     {
         mutex_.lock(nullptr);
-        typename Set<T*>::iterator found = allocated_.find(block);
-        ORV_CHECK(found != allocated_.end(), "unable to find address among allocated blocks, unable to free");
+        const bool found = allocated_.erase(block);
+        ORV_CHECK(found, "unable to find address among allocated blocks, unable to free");
         // The hook returned: a block this allocator never handed out is left alone.
-        if (found != allocated_.end()) {
-            allocated_.erase(found);
+        if (found) {
             returned_.push_back(block);
         }
         mutex_.unlock(nullptr);
@@ -72,7 +70,7 @@ private:
     friend class DynamicObject;
 
     unsigned int blockSize_;
-    Set<T*> allocated_;
+    details::BlockAddressSet<T> allocated_;
     Vector<T*> returned_;
     Mutex mutex_;
 };

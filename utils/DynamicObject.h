@@ -14,6 +14,7 @@ namespace orv {
 namespace utils {
 
 class AbstractDynamicObjectListener;
+class AbstractObjectBuilder;
 class DynamicValue;
 class StringTable;
 class TypeManager;
@@ -196,6 +197,17 @@ public:
     void put(const char* key, unsigned int length, const DynamicObject& other);
     void put(const char* key, unsigned int length, const DynamicObject& other, const char* otherKey,
              unsigned int otherLength);
+
+    /// Sends the tree as one document (`begin`, the root's value, `end`); true only if every event
+    /// was accepted. Object keys come in the iterator's order.
+    bool visit(AbstractObjectBuilder& builder) const;
+    bool visit(unsigned int property, AbstractObjectBuilder& builder) const;
+    /// The same with the raw nodes below `property`, as nested objects: a debugging dump.
+    bool visitTrie(unsigned int property, AbstractObjectBuilder& builder) const;
+    /// The value of one property as builder events, with no `begin` or `end`.
+    bool recursiveVisit(unsigned int property, AbstractObjectBuilder& builder) const;
+    /// One node and the nodes it links to, as builder events.
+    bool recursiveVisitTrie(unsigned int index, AbstractObjectBuilder& builder) const;
 
 private:
     friend class impl::DynamicObjectPropertyChildrenIterator;

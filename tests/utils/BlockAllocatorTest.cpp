@@ -1,9 +1,12 @@
 // The block allocator under dynamic objects: reuse of returned blocks, and its lock.
 
+#include "support/TestSupport.h"
+
 #include <orv/utils/BlockAllocator.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <thread>
@@ -62,4 +65,39 @@ TEST(BlockAllocator, ThreadsSharingOneAllocatorNeverGetTheSameBlock)
         thread.join();
     }
     EXPECT_EQ(overlaps.load(), 0);
+}
+
+TEST(BlockAllocator, KeepsTrackOfManyBlocksThroughReturnsAndReuse)
+{
+    orv::test::AssertionCapture capture;
+    BlockAllocator<char> allocator(8);
+    std::vector<char*> blocks;
+    for (int i = 0; i < 1000; ++i) {
+        blocks.push_back(allocator.allocate());
+    }
+    // Return every other block, twice: the second return of each is refused.
+    for (std::size_t i = 0; i < blocks.size(); i += 2) {
+        allocator.deallocate(blocks[i]);
+    }
+    for (std::size_t i = 0; i < blocks.size(); i += 2) {
+        allocator.deallocate(blocks[i]);
+    }
+    EXPECT_EQ(capture.texts().size(), 500u);
+    capture.clear();
+    // The returned blocks come back, last returned first, and are out again.
+    for (std::size_t i = blocks.size(); i >= 2; i -= 2) {
+        EXPECT_EQ(allocator.allocate(), blocks[i - 2]);
+    }
+    for (char* block : blocks) {
+        allocator.deallocate(block);
+    }
+    EXPECT_EQ(capture.texts(), orv::test::Texts{});
+    // Everything is back: a second round hands out the same blocks and no new one.
+    std::vector<char*> again;
+    for (int i = 0; i < 1000; ++i) {
+        again.push_back(allocator.allocate());
+    }
+    std::sort(blocks.begin(), blocks.end());
+    std::sort(again.begin(), again.end());
+    EXPECT_EQ(again, blocks);
 }
