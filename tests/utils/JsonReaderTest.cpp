@@ -1,0 +1,332 @@
+#include "support/RecordingBuilder.h"
+#include "support/TestSupport.h"
+
+#include <orv/utils/BufferInput.h>
+#include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/JsonDeserializer.h>
+#include <orv/utils/JsonSerializer.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <charconv>
+#include <clocale>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace orv {
+namespace test {
+namespace {
+
+using utils::BufferInput;
+using utils::deserializeJson;
+
+/// Gives its bytes through `read` only (no look-ahead), records the size of every request, and
+/// fails the request with the given number, counting from 1.
+class ScriptedInput : public utils::AbstractDataInputOutput {
+public:
+    explicit ScriptedInput(std::string bytes, std::size_t failingRead = 0)
+        : bytes_(std::move(bytes))
+        , failingRead_(failingRead)
+    {
+    }
+
+    bool isWritable() const override { return false; }
+    bool write(const char*, unsigned int, utils::AbstractLogger*) override { return false; }
+    bool isReadable() const override { return true; }
+    bool read(char* buffer, unsigned int& size, utils::AbstractLogger*) override
+    {
+        requests.push_back(size);
+        if (requests.size() == failingRead_) {
+            return false;
+        }
+        size = static_cast<unsigned int>(std::min<std::size_t>(size, bytes_.size() - position_));
+        std::memcpy(buffer, bytes_.data() + position_, size);
+        position_ += size;
+        return true;
+    }
+
+    std::vector<unsigned int> requests;
+
+private:
+    std::string bytes_;
+    std::size_t position_ = 0;
+    std::size_t failingRead_;
+};
+
+struct Outcome {
+    bool result;
+    std::string events;
+    /// Each logged line up to the first line break of its message; the parser's context lines
+    /// follow it.
+    Texts log;
+};
+
+Outcome readJson(utils::AbstractDataInputOutput& input, bool stopAfterValue = false, const std::string& refuse = "")
+{
+    RecordingBuilder builder;
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    builder.refuseAt(refuse);
+    Outcome outcome { deserializeJson(builder, input, stopAfterValue), builder.line(), {} };
+    for (const std::string& line : logger.lines) {
+        outcome.log.push_back(line.substr(0, line.find('\n')));
+    }
+    return outcome;
+}
+
+Outcome readJson(const std::string& text, bool stopAfterValue = false, const std::string& refuse = "")
+{
+    BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+    return readJson(input, stopAfterValue, refuse);
+}
+
+/// The whole message of the single line logged for `text`.
+std::string fullReport(const std::string& text)
+{
+    BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+    RecordingBuilder builder;
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    EXPECT_FALSE(deserializeJson(builder, input, false));
+    return logger.lines.size() == 1 ? logger.lines[0] : "lines: " + std::to_string(logger.lines.size());
+}
+
+std::string jsonIssue(const std::string& message)
+{
+    return "error|invalid data|JSON issue: " + message;
+}
+
+TEST(JsonReader, TurnsEveryValueIntoItsEvents)
+{
+    Outcome outcome = readJson(R"({"a":[1,2.5,"x",null,true]})");
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginObject child(a) beginArray child int(1) child real(2.5) child string(x) "
+                              "child null child bool(true) endArray endObject end");
+    EXPECT_TRUE(outcome.log.empty());
+
+    EXPECT_EQ(readJson("[[]]").events, "begin beginArray child beginArray endArray endArray end");
+    EXPECT_EQ(readJson(" [ {} , [ ] ] ").events,
+              "begin beginArray child beginObject endObject child beginArray endArray endArray end");
+    // Escapes arrive decoded, duplicate keys as they are, and a scalar may stand at the root.
+    EXPECT_EQ(readJson(R"({"k\"\u00e9":"a\nb","k":false,"k":-0})").events,
+              "begin beginObject child(k\"\xc3\xa9) string(a\nb) child(k) bool(false) child(k) int(0) endObject end");
+    EXPECT_EQ(readJson("\"root\"").events, "begin string(root) end");
+    EXPECT_EQ(readJson("42").events, "begin int(42) end");
+
+    // An empty input is a document without a value: the result is the builder's `end`.
+    outcome = readJson("");
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin !end");
+    EXPECT_TRUE(outcome.log.empty());
+}
+
+TEST(JsonReader, GivesTheSameEventsWhateverTheChunkBoundaries)
+{
+    // Strings, keys and numbers of every length cross the 256-byte boundary at every offset.
+    std::string text = "[";
+    std::string expected = "begin beginArray";
+    for (int i = 0; i < 120; ++i) {
+        const std::string word(static_cast<std::size_t>(i), static_cast<char>('a' + i % 26));
+        const std::string number = "-" + std::to_string(i + 1) + std::string(static_cast<std::size_t>(i % 7), '1');
+        text += std::string(i == 0 ? "" : ",") + "{\"" + word + "\":\"" + word + "\u00e9\",\"n\":[" + number + "," + number
+            + ".5e-1]}";
+        const double real = std::stod(number + ".5e-1");
+        char realText[32];
+        std::to_chars_result written = std::to_chars(realText, realText + sizeof realText, real);
+        expected += " child beginObject child(" + word + ") string(" + word + "\xc3\xa9) child(n) beginArray child int("
+            + number + ") child real(" + std::string(realText, written.ptr) + ") endArray endObject";
+    }
+    text += "]";
+    expected += " endArray end";
+    ASSERT_GT(text.size(), 10000u);
+    ScriptedInput input(text);
+    const Outcome outcome = readJson(input);
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, expected);
+    // Every request is one fixed chunk, up to the one that finds the end.
+    EXPECT_EQ(input.requests, std::vector<unsigned int>((text.size() + 255) / 256 + 1, 256u));
+}
+
+TEST(JsonReader, ReadsIntegersToTheLimitsOfLongLongAndRealsToTheLimitsOfDouble)
+{
+    Outcome outcome = readJson("[9223372036854775807,-9223372036854775808,1,1.0,1e2,-0.0,1E+2,1e-400,-1e-400,"
+                               "2.4703282292062328e-324,1.7976931348623158e308]");
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginArray child int(9223372036854775807) child int(-9223372036854775808) "
+                              "child int(1) child real(1) child real(100) child real(-0) child real(100) child real(0) "
+                              "child real(-0) child real(5e-324) child real(1.7976931348623157e+308) endArray end");
+
+    // The report is the parser's own: the place is put back in front of the number. No
+    // `arrayChild` goes out for a number that doesn't convert.
+    outcome = readJson("[1, 9223372036854775808]");
+    EXPECT_FALSE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginArray child int(1)");
+    EXPECT_EQ(fullReport("[1, 99999999999999999999]"),
+              jsonIssue("integer overflow\n                                    [1, 99999999999999999999]\n"
+                        "                     (right here) ------^\n"));
+    EXPECT_EQ(fullReport(R"({"a":[1e400]})"),
+              jsonIssue("numeric (floating point) overflow\n                                  {\"a\":[1e400]}\n"
+                        "                     (right here) ------^\n"));
+    EXPECT_EQ(readJson("-1.7976931348623159e308").log, Texts { jsonIssue("numeric (floating point) overflow") });
+    EXPECT_EQ(readJson("[0.00001e314]").log, Texts { jsonIssue("numeric (floating point) overflow") });
+    // A number at the very end is only complete at the end of the input, past every chunk.
+    EXPECT_EQ(fullReport("-99999999999999999999"),
+              jsonIssue("integer overflow\n" + std::string(40, ' ') + "\n                     (right here) ------^\n"));
+}
+
+TEST(JsonReader, ReadsRealsTheSameUnderADecimalCommaLocale)
+{
+    const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr) << "scripts/setup.sh installs this locale";
+    const Outcome outcome = readJson("[2.5,-1.25e3,0.1]");
+    const std::string during = std::setlocale(LC_NUMERIC, nullptr);
+    std::setlocale(LC_NUMERIC, previous.c_str());
+    EXPECT_EQ(outcome.events, "begin beginArray child real(2.5) child real(-1250) child real(0.1) endArray end");
+    EXPECT_EQ(during, "de_DE.UTF-8");
+}
+
+TEST(JsonReader, ReportsBadTextWithTheParsersWordsAndKeepsWhatWasBuilt)
+{
+    struct Case {
+        const char* text;
+        const char* message;
+        const char* events;
+    };
+    const Case cases[] = {
+        { R"({"a":[1,)", "premature EOF", "begin beginObject child(a) beginArray child int(1)" },
+        { " \n\t ", "premature EOF", "begin" },
+        { R"({"a":1}XYZ)", "trailing garbage", "begin beginObject child(a) int(1) endObject" },
+        { "[1] [2]", "trailing garbage", "begin beginArray child int(1) endArray" },
+        { R"({"a" 1})", "object key and value must be separated by a colon (':')", "begin beginObject child(a)" },
+        { "{1:2}", "invalid object key (must be a string)", "begin beginObject" },
+        { R"({"a":1,})", "invalid object key (must be a string)", "begin beginObject child(a) int(1)" },
+        { "[1 2]", "after array element, I expect ',' or ']'", "begin beginArray child int(1)" },
+        { R"({"a":1 "b"})", "after key and value, inside map, I expect ',' or '}'", "begin beginObject child(a) int(1)" },
+        { "]", "unallowed token at this point in JSON text", "begin" },
+        { "[1,]", "unallowed token at this point in JSON text", "begin beginArray child int(1)" },
+        { "[@]", ": invalid char in json text.", "begin beginArray" },
+        { "[tru]", ": invalid string in json text.", "begin beginArray" },
+        { "[\"\xff\"]", ": invalid bytes in UTF8 string.", "begin beginArray" },
+        { "{\"\xc3\x28\":1}", ": invalid bytes in UTF8 string.", "begin beginObject" },
+        { "[\"a\tb\"]", ": invalid character inside string.", "begin beginArray" },
+        { "[1.]", ": malformed number, a digit is required after the decimal point.", "begin beginArray" },
+        { "[1e]", ": malformed number, a digit is required after the exponent.", "begin beginArray" },
+        { "[-]", ": malformed number, a digit is required after the minus sign.", "begin beginArray" },
+        { "/* c */ 1", ": probable comment found in input text, comments are not enabled.", "begin" },
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = readJson(c.text);
+        EXPECT_FALSE(outcome.result) << c.text;
+        EXPECT_EQ(outcome.log, Texts { jsonIssue(c.message) }) << c.text;
+        EXPECT_EQ(outcome.events, c.events) << c.text;
+    }
+    EXPECT_EQ(fullReport("{\"a\":1}\nXYZ"),
+              jsonIssue("trailing garbage\n                               {\"a\":1} XYZ\n"
+                        "                     (right here) ------^\n"));
+}
+
+TEST(JsonReader, StopsAtTheFirstFalseFromTheBuilder)
+{
+    Outcome outcome = readJson(R"({"a":[1,2,3]})", false, "int(2)");
+    EXPECT_FALSE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginObject child(a) beginArray child int(1) child int(2)");
+    EXPECT_EQ(outcome.log, Texts { "error|previous error|Build issue: client cancelled parse via callback return value" });
+
+    // Keys and closing events are refused the same way; no `end` follows.
+    EXPECT_EQ(readJson(R"({"a":1})", false, "child(a)").events, "begin beginObject child(a)");
+    EXPECT_EQ(readJson("[[]]", false, "endArray").events, "begin beginArray child beginArray endArray");
+    // A refused `begin` reads nothing; a refused `end` is the builder's to report.
+    BufferInput untouched("[1]", 3);
+    EXPECT_FALSE(readJson(untouched, false, "begin").result);
+    EXPECT_EQ(untouched.getReadableDataSize(), 3u);
+    outcome = readJson("[1]", false, "end");
+    EXPECT_FALSE(outcome.result);
+    EXPECT_TRUE(outcome.log.empty());
+}
+
+TEST(JsonReader, NestsAsDeepAsTheInputGoesWhileTheWriterStopsAtItsLimit)
+{
+    const std::string deep = std::string(10000, '[') + std::string(10000, ']');
+    const Outcome outcome = readJson(deep);
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events.size(), std::string("begin end").size() + 10000 * std::string(" beginArray endArray").size()
+                                         + 9999 * std::string(" child").size());
+
+    // Through the JSON writer: its generator allows 127 levels and the reader passes its refusal on.
+    for (const std::size_t depth : { 127u, 128u }) {
+        const std::string text = std::string(depth, '[') + std::string(depth, ']');
+        BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+        utils::DynamicBufferInputOutput output("json");
+        utils::JsonSerializer writer(output, false);
+        RecordingLogger logger;
+        writer.setLogger(&logger);
+        const bool result = deserializeJson(writer, input, false);
+        EXPECT_EQ(result, depth == 127);
+        if (result) {
+            EXPECT_EQ(std::string(output.data(), output.size()), text);
+            EXPECT_TRUE(logger.lines.empty());
+        } else {
+            ASSERT_EQ(logger.messages().size(), 2u);
+            EXPECT_EQ(logger.messages()[0], "Maximum generation depth exceeded");
+            EXPECT_EQ(logger.lines[1].substr(0, logger.lines[1].find('\n')),
+                      "error|previous error|Build issue: client cancelled parse via callback return value");
+        }
+    }
+}
+
+TEST(JsonReader, StopsBehindTheValueWhenAskedAndLeavesTheRestInTheStream)
+{
+    const std::string text = R"({"a":1}XYZ)";
+    BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+    Outcome outcome = readJson(input, true);
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginObject child(a) int(1) endObject end");
+    char rest[8];
+    unsigned int size = sizeof rest;
+    ASSERT_TRUE(input.read(rest, size, nullptr));
+    EXPECT_EQ(std::string(rest, size), "XYZ");
+
+    // Values one after another, one of them longer than a chunk, a scalar that only the end of
+    // the input completes.
+    const std::string longString(600, 'q');
+    const std::string stream = "[1] {\"s\":\"" + longString + "\"}\n-12 7";
+    BufferInput values(stream.data(), static_cast<unsigned int>(stream.size()));
+    EXPECT_EQ(readJson(values, true).events, "begin beginArray child int(1) endArray end");
+    EXPECT_EQ(readJson(values, true).events, "begin beginObject child(s) string(" + longString + ") endObject end");
+    EXPECT_EQ(readJson(values, true).events, "begin int(-12) end");
+    EXPECT_EQ(values.getReadableDataSize(), 2u);
+    outcome = readJson(values, true);
+    EXPECT_TRUE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin int(7) end");
+    EXPECT_EQ(values.getReadableDataSize(), 0u);
+    // At the end of the input there is no value left: an empty document.
+    EXPECT_EQ(readJson(values, true).events, "begin !end");
+
+    // Broken text still fails in this mode.
+    EXPECT_EQ(readJson(R"({"a":)", true).log, Texts { jsonIssue("premature EOF") });
+}
+
+TEST(JsonReader, ReportsStreamsThatFailToRead)
+{
+    // Without look-ahead the stream refuses, and the parser, which has no fault of its own to
+    // tell, adds its bare report.
+    ScriptedInput plain("{}");
+    Outcome outcome = readJson(plain, true);
+    EXPECT_FALSE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin");
+    EXPECT_EQ(outcome.log, (Texts { "error|invalid operation|'peekRead' operation is not supported by this data io.",
+                                    "error|invalid data|Error while reading the input data.", jsonIssue("") }));
+
+    // A failure midway keeps what was built.
+    ScriptedInput failing("[\"" + std::string(300, 'x') + "\"]", 2);
+    outcome = readJson(failing);
+    EXPECT_FALSE(outcome.result);
+    EXPECT_EQ(outcome.events, "begin beginArray");
+    EXPECT_EQ(outcome.log, (Texts { "error|invalid data|Error while reading the input data.", jsonIssue("") }));
+}
+
+} // namespace
+} // namespace test
+} // namespace orv
