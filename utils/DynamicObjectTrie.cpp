@@ -72,31 +72,46 @@ void DynamicObject::deallocateNode(Node* node, unsigned int index)
 DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key, unsigned int length,
                                              bool toProperty, unsigned int& index) const
 {
-    index = start;
+    // Every lookup runs this loop, one node per step: it keeps the cursor in a register, reads the
+    // block table once, and picks the next link by its offset in the node rather than by a branch
+    // (greater at byte 0, equal at 4, less at 8).
+    unsigned int current = start;
     unsigned int position = 0;
-    while (index != 0 && position < length) {
-        const Node* node = getNode(index);
-        if (node == nullptr) {
-            index = 0;
-            break;
+    Node* const* const blocks = blocks_.data();
+    const std::size_t blockCount = blocks_.size();
+    const unsigned int shift = blockShift_;
+    const unsigned int mask = shift != noBlockShift ? (1u << shift) - 1 : 0;
+    while (current != 0 && position < length) {
+        const Node* node;
+        const unsigned int offset = current - 1;
+        if (shift != noBlockShift && (offset >> shift) < blockCount) {
+            node = blocks[offset >> shift] + (offset & mask);
+        } else {
+            node = getNode(current);
+            if (node == nullptr) {
+                current = 0;
+                break;
+            }
         }
-        ORV_CHECK(!node->isValueNode(), "unclean state during trie search - detected leaf node");
-        // The hook returned: a leaf has no links to follow, and the key is not there.
         if (node->isValueNode()) {
-            index = 0;
+            ORV_FAIL("unclean state during trie search - detected leaf node");
+            // The hook returned: a leaf has no links to follow, and the key is not there.
+            current = 0;
             break;
         }
         const signed char c = static_cast<signed char>(key[position]);
-        if (c == node->trie.splitChar) {
+        const signed char split = node->trie.splitChar;
+        const bool equal = c == split;
+        if (equal && position + 1 == length && toProperty) {
+            // The last character matched: the walk stays on its node.
             ++position;
-            if (position < length || !toProperty) {
-                index = node->trie.equal;
-            }
-        } else {
-            // Written as a selection so that the compiler needs no branch for the side taken.
-            index = c < node->trie.splitChar ? node->trie.less : node->trie.greater;
+            break;
         }
+        const unsigned int linkOffset = c < split ? 8u : (equal ? 4u : 0u);
+        std::memcpy(&current, node->bytes + linkOffset, sizeof(current));
+        position += equal ? 1 : 0;
     }
+    index = current;
     if (index != 0 && toProperty) {
         const Node* node = getNode(index);
         if (node != nullptr && node->trie.splitChar != 0) {
