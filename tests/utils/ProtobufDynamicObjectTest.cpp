@@ -1,0 +1,255 @@
+// The stored text form of dynamic objects: the builder that writes it, the reader that turns it
+// back into events, and the free functions over DynamicObject.
+
+#include "support/RecordingBuilder.h"
+#include "support/TestSupport.h"
+
+#include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/DynamicObject.h>
+#include <orv/utils/DynamicObjectSerialization.h>
+#include <orv/utils/details/ArrayAllocation.h>
+#include <orv/utils/impl/ProtobufDynamicObjectBuilder.h>
+#include <orv/utils/impl/ProtobufDynamicObjectReader.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace orv {
+namespace test {
+namespace {
+
+using utils::DynamicBufferInputOutput;
+using utils::impl::ProtobufDynamicObjectBuilder;
+using utils::impl::readProtobufDynamicObject;
+
+std::string textOf(const DynamicBufferInputOutput& output)
+{
+    return output.empty() ? std::string() : std::string(output.data(), output.size());
+}
+
+struct Reading {
+    bool result;
+    std::string events;
+    Texts log;
+};
+
+Reading readText(const std::string& text, const std::string& refuse = "")
+{
+    RecordingBuilder builder;
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    builder.refuseAt(refuse);
+    const bool result = readProtobufDynamicObject(text.data(), static_cast<unsigned int>(text.size()), builder);
+    return { result, builder.line(), logger.lines };
+}
+
+/// Refuses every write, as a full disk does.
+class FullOutput : public utils::AbstractDataInputOutput {
+public:
+    bool isWritable() const override { return true; }
+    bool write(const char*, unsigned int, utils::AbstractLogger*) override { return false; }
+    bool isReadable() const override { return false; }
+    bool read(char*, unsigned int&, utils::AbstractLogger*) override { return false; }
+};
+
+const std::string version = "version { major: 0 minor: 4 patch: 0 }\n";
+
+TEST(ProtobufDynamicObject, WritesEventsAsTextThatReadsBackAsTheSameEvents)
+{
+    DynamicBufferInputOutput output("text");
+    ProtobufDynamicObjectBuilder builder(output);
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    const std::string tricky("q\"\0\xc3\xa9", 5);
+    ASSERT_TRUE(builder.begin());
+    EXPECT_TRUE(builder.beginObject() && builder.objectChild("list", 4) && builder.beginArray());
+    EXPECT_TRUE(builder.arrayChild() && builder.integer(-9223372036854775807LL - 1));
+    EXPECT_TRUE(builder.arrayChild() && builder.real(0.1));
+    EXPECT_TRUE(builder.arrayChild() && builder.string(tricky.data(), 5));
+    EXPECT_TRUE(builder.arrayChild() && builder.boolean(false));
+    EXPECT_TRUE(builder.arrayChild() && builder.null());
+    EXPECT_TRUE(builder.arrayChild() && builder.beginArray() && builder.endArray());
+    EXPECT_TRUE(builder.endArray() && builder.objectChild("k\0y", 3) && builder.beginObject() && builder.endObject());
+    EXPECT_TRUE(builder.endObject());
+    // Nothing is written before `end`.
+    EXPECT_TRUE(output.empty());
+    ASSERT_TRUE(builder.end());
+    EXPECT_TRUE(logger.lines.empty());
+    EXPECT_EQ(textOf(output), "version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nroot {\n  type: Object\n"
+                              "  objectValue {\n    key: \"list\"\n    value {\n      type: Array\n"
+                              "      arrayValue {\n        type: Int\n        intValue: -9223372036854775808\n      }\n"
+                              "      arrayValue {\n        type: Real\n        realValue: 0.1\n      }\n"
+                              "      arrayValue {\n        type: String\n        stringValue: \"q\\\"\\000\\303\\251\"\n"
+                              "      }\n      arrayValue {\n        type: Bool\n        boolValue: false\n      }\n"
+                              "      arrayValue {\n        type: Object\n      }\n      arrayValue {\n        type: Array\n"
+                              "      }\n    }\n  }\n  objectValue {\n    key: \"k\\000y\"\n    value {\n"
+                              "      type: Object\n    }\n  }\n}\n");
+
+    // The null has become an empty object; all else reads back as it was sent.
+    const Reading reading = readText(textOf(output));
+    EXPECT_TRUE(reading.result);
+    EXPECT_EQ(reading.events, "begin beginObject child(list) beginArray child int(-9223372036854775808) child real(0.1) "
+                              "child string(" + tricky + ") child bool(false) child beginObject endObject child "
+                              "beginArray endArray endArray child(" + std::string("k\0y", 3) + ") beginObject "
+                              "endObject endObject end");
+    EXPECT_TRUE(reading.log.empty());
+
+    // The builder takes another document, here a scalar root.
+    output.clear();
+    EXPECT_TRUE(builder.begin() && builder.real(-2.5) && builder.end());
+    EXPECT_EQ(readText(textOf(output)).events, "begin real(-2.5) end");
+}
+
+TEST(ProtobufDynamicObject, BuilderRefusesEventsOutOfPlace)
+{
+    DynamicBufferInputOutput output("text");
+    ProtobufDynamicObjectBuilder builder(output);
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    EXPECT_FALSE(builder.end());
+    EXPECT_FALSE(builder.integer(1));
+    ASSERT_TRUE(builder.begin());
+    EXPECT_FALSE(builder.begin());
+    EXPECT_FALSE(builder.arrayChild());
+    EXPECT_TRUE(builder.beginObject());
+    EXPECT_FALSE(builder.arrayChild());
+    EXPECT_TRUE(builder.objectChild("a") && builder.beginArray());
+    EXPECT_FALSE(builder.objectChild("b"));
+    EXPECT_FALSE(builder.end());
+    EXPECT_EQ(logger.messages(), (Texts { "No build is ongoing.", "No build is ongoing.", "A build is already ongoing.",
+                                          "The current property is not an array.",
+                                          "The current property is not an array.",
+                                          "The current property is not an object.", "Build not finished" }));
+    EXPECT_EQ(logger.lines.back(), "error|invalid operation|Build not finished");
+    EXPECT_TRUE(output.empty());
+
+    // An unfinished build can still be finished.
+    EXPECT_TRUE(builder.endArray() && builder.endObject() && builder.end());
+    EXPECT_EQ(readText(textOf(output)).events, "begin beginObject child(a) beginArray endArray endObject end");
+
+    // An unfinished message goes with the builder.
+    ProtobufDynamicObjectBuilder abandoned(output);
+    EXPECT_TRUE(abandoned.begin() && abandoned.beginObject());
+}
+
+TEST(ProtobufDynamicObject, BuilderReportsAnOutputThatRefusesTheTextAndStartsAfresh)
+{
+    FullOutput full;
+    ProtobufDynamicObjectBuilder builder(full);
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    ASSERT_TRUE(builder.begin() && builder.integer(3));
+    EXPECT_FALSE(builder.end());
+    EXPECT_EQ(logger.lines, Texts { "error|io problem|Unable to serialize the given dynamic object: "
+                                   "version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nroot {\n  type: Int\n"
+                                   "  intValue: 3\n}\n" });
+    // The failed message is gone: a new build opens.
+    EXPECT_TRUE(builder.begin());
+}
+
+TEST(ProtobufDynamicObject, ReaderChecksTheVersionAndTheValues)
+{
+    // Only the major version counts.
+    Reading reading = readText("version { major: 1 minor: 0 patch: 0 } root { type: Int intValue: 1 }");
+    EXPECT_FALSE(reading.result);
+    EXPECT_EQ(reading.events, "");
+    EXPECT_EQ(reading.log, Texts { "error|invalid data|Error while deserializing: The file originates from a "
+                                   "version, v1.0.0, that is not compatible with the current version, v0.4.0." });
+    EXPECT_EQ(readText("version { major: 0 minor: 9 patch: 3 } root { type: Bool boolValue: true }").events,
+              "begin bool(true) end");
+
+    // No root: nothing to send, and success.
+    reading = readText(version);
+    EXPECT_TRUE(reading.result);
+    EXPECT_EQ(reading.events, "");
+
+    // A scalar without its value is a corrupted file; what came before it was sent.
+    const struct {
+        const char* type;
+        const char* message;
+    } missing[] = {
+        { "Int", "Integer property not having an integer value in the protobuf file." },
+        { "Real", "Real property not having a real value in the protobuf file." },
+        { "Bool", "Boolean property not having a boolean value in the protobuf file." },
+        { "String", "String property not having a string value in the protobuf file." },
+    };
+    for (const auto& c : missing) {
+        reading = readText(version + "root { type: Array arrayValue { type: Int intValue: 4 } arrayValue { type: "
+                           + c.type + " } }");
+        EXPECT_FALSE(reading.result) << c.type;
+        EXPECT_EQ(reading.events, "begin beginArray child int(4) child") << c.type;
+        EXPECT_EQ(reading.log, Texts { std::string("error|corrupted file format|") + c.message }) << c.type;
+    }
+    // Values beside the one the type names are ignored.
+    EXPECT_EQ(readText(version + "root { type: String intValue: 1 stringValue: \"s\" arrayValue { type: Int } }").events,
+              "begin string(s) end");
+
+    // A refusal of the builder stops the walk.
+    reading = readText(version + "root { type: Object objectValue { key: \"a\" value { type: Int intValue: 1 } } "
+                                 "objectValue { key: \"b\" value { type: Int intValue: 2 } } }",
+                       "child(b)");
+    EXPECT_FALSE(reading.result);
+    EXPECT_EQ(reading.events, "begin beginObject child(a) int(1) child(b)");
+}
+
+TEST(ProtobufDynamicObject, ReaderRefusesTextThatDoesNotParse)
+{
+    // A required field missing, whether the version or a property's type; the report shows what
+    // was parsed.
+    Reading reading = readText("root { type: Int intValue: 3 }");
+    EXPECT_FALSE(reading.result);
+    EXPECT_EQ(reading.events, "");
+    EXPECT_EQ(reading.log, Texts { "error|invalid data|Unable to deserialize a dynamic object: root {\n  type: Int\n"
+                                   "  intValue: 3\n}\n" });
+    EXPECT_FALSE(readText(version + "root { intValue: 3 }").result);
+    EXPECT_FALSE(readText(version + "root { type: Object objectValue { value { type: Object } } }").result);
+    // Broken syntax, unknown fields and type numbers outside the enumeration.
+    for (const std::string& text : { version + "root {", version + "root { type: Int colour: 3 }",
+                                     version + "root { type: 9 }", std::string("\xff\xfe"), version + "}" }) {
+        reading = readText(text);
+        EXPECT_FALSE(reading.result) << text;
+        ASSERT_EQ(reading.log.size(), 1u) << text;
+        EXPECT_EQ(reading.log[0].rfind("error|invalid data|Unable to deserialize a dynamic object: ", 0), 0u) << text;
+    }
+    // An empty text lacks the version too.
+    EXPECT_EQ(readText("").log, Texts { "error|invalid data|Unable to deserialize a dynamic object: " });
+}
+
+TEST(ProtobufDynamicObject, SerializesADynamicObjectIntoACallerOwnedBuffer)
+{
+    utils::DynamicObject object;
+    object.setInt("b.list[0]", 1);
+    object.setString("b.list[1]", "x");
+    object.resize("b.list", 3);
+    object.setReal("a", 2.5);
+    RecordingBuilder visited;
+    ASSERT_TRUE(object.visit(visited));
+
+    unsigned int size = 0;
+    char* text = utils::serializeDynamicObject(size, object, nullptr);
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(utils::details::getArrayByteCount(text), size);
+    const Reading reading = readText(std::string(text, size));
+    utils::details::releaseArray(text);
+    std::string expected = visited.line();
+    expected.replace(expected.find("null"), 4, "beginObject endObject");
+    EXPECT_EQ(reading.events, expected);
+
+    // An empty object is stored as an empty object root, not as a missing root.
+    text = utils::serializeDynamicObject(size, utils::DynamicObject(), nullptr);
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(readText(std::string(text, size)).events, "begin beginObject endObject end");
+    utils::details::releaseArray(text);
+
+    // An output that refuses the text fails the whole serialization.
+    FullOutput full;
+    RecordingLogger logger;
+    EXPECT_FALSE(utils::serializeDynamicObjectToProtobuf(object, full, &logger));
+    ASSERT_EQ(logger.lines.size(), 1u);
+    EXPECT_EQ(logger.lines[0].rfind("error|io problem|Unable to serialize the given dynamic object: ", 0), 0u);
+}
+
+} // namespace
+} // namespace test
+} // namespace orv
