@@ -1,0 +1,232 @@
+// JSON text to builder events, beside its anchors parsing the same bytes in the same run: the
+// parser's own raw parse with callbacks that do nothing (fed in the reader's 256-byte chunks, and
+// in one piece), a DOM parse and a second DOM library. Each iteration runs every contender once,
+// in turn, and each is timed in the thread's processor time, so that time lost to other
+// processes on a shared machine counts for none of them.
+//
+// The parser is reached through the loader because the library links it privately: the symbols
+// are already in the process, but not on the benchmark's link line.
+
+#include <orv/utils/AbstractObjectBuilder.h>
+#include <orv/utils/BufferInput.h>
+#include <orv/utils/JsonDeserializer.h>
+
+#include <benchmark/benchmark.h>
+#include <nlohmann/json.hpp>
+#include <rapidjson/document.h>
+#include <yajl/yajl_parse.h>
+
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <random>
+#include <string>
+
+namespace {
+
+double threadSeconds()
+{
+    timespec now {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+/// A consumer that takes every event and keeps nothing.
+class NullBuilder : public orv::utils::AbstractObjectBuilder {
+public:
+    bool begin() override { return true; }
+    bool end() override { return true; }
+    bool null() override { return true; }
+    bool boolean(bool) override { return true; }
+    bool integer(long long) override { return true; }
+    bool real(double) override { return true; }
+    using AbstractObjectBuilder::string;
+    bool string(const char*, unsigned int) override { return true; }
+    bool beginObject() override { return true; }
+    using AbstractObjectBuilder::objectChild;
+    bool objectChild(const char*, unsigned int) override { return true; }
+    bool endObject() override { return true; }
+    bool beginArray() override { return true; }
+    bool arrayChild() override { return true; }
+    bool endArray() override { return true; }
+};
+
+struct RawParser {
+    decltype(&yajl_alloc) alloc;
+    decltype(&yajl_parse) parse;
+    decltype(&yajl_complete_parse) complete;
+    decltype(&yajl_free) free;
+};
+
+const RawParser& rawParser()
+{
+    static const RawParser parser = [] {
+        void* library = dlopen("libyajl.so.2", RTLD_NOW);
+        if (library == nullptr) {
+            std::fprintf(stderr, "The JSON parser library is not loadable: %s\n", dlerror());
+            std::abort();
+        }
+        return RawParser { reinterpret_cast<decltype(&yajl_alloc)>(dlsym(library, "yajl_alloc")),
+                           reinterpret_cast<decltype(&yajl_parse)>(dlsym(library, "yajl_parse")),
+                           reinterpret_cast<decltype(&yajl_complete_parse)>(dlsym(library, "yajl_complete_parse")),
+                           reinterpret_cast<decltype(&yajl_free)>(dlsym(library, "yajl_free")) };
+    }();
+    return parser;
+}
+
+int ignore(void*)
+{
+    return 1;
+}
+int ignoreBoolean(void*, int)
+{
+    return 1;
+}
+int ignoreInteger(void*, long long)
+{
+    return 1;
+}
+int ignoreDouble(void*, double)
+{
+    return 1;
+}
+int ignoreText(void*, const unsigned char*, std::size_t)
+{
+    return 1;
+}
+
+// Integers and reals converted by the parser itself, as a plain user of it gets them.
+const yajl_callbacks ignoringCallbacks = {
+    &ignore, &ignoreBoolean, &ignoreInteger, &ignoreDouble, nullptr, &ignoreText,
+    &ignore, &ignoreText, &ignore, &ignore, &ignore,
+};
+
+bool rawParse(const std::string& text, std::size_t chunkSize)
+{
+    const RawParser& raw = rawParser();
+    yajl_handle parser = raw.alloc(&ignoringCallbacks, nullptr, nullptr);
+    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data());
+    bool ok = true;
+    for (std::size_t offset = 0; ok && offset < text.size(); offset += chunkSize) {
+        const std::size_t size = text.size() - offset < chunkSize ? text.size() - offset : chunkSize;
+        ok = raw.parse(parser, bytes + offset, size) == yajl_status_ok;
+    }
+    ok = ok && raw.complete(parser) == yajl_status_ok;
+    raw.free(parser);
+    return ok;
+}
+
+std::string numbersDocument()
+{
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> reals(-1e6, 1e6);
+    std::uniform_int_distribution<long long> integers(-1000000000LL, 1000000000LL);
+    std::string text = "[";
+    char number[40];
+    while (text.size() < 4000000) {
+        text += text.size() == 1 ? "[" : ",[";
+        for (int row = 0; row < 8; ++row) {
+            text += row == 0 ? "[" : ",[";
+            for (int column = 0; column < 8; ++column) {
+                const int length = column % 2 == 0
+                    ? std::snprintf(number, sizeof number, "%lld", integers(random))
+                    : std::snprintf(number, sizeof number, "%.17g", reals(random));
+                text += column == 0 ? "" : ",";
+                text.append(number, static_cast<std::size_t>(length));
+            }
+            text += "]";
+        }
+        text += "]";
+    }
+    return text + "]";
+}
+
+std::string shortKeysDocument()
+{
+    std::string text = "[";
+    for (int record = 0; text.size() < 4000000; ++record) {
+        text += record == 0 ? "{" : ",{";
+        for (int key = 0; key < 24; ++key) {
+            text += key == 0 ? "\"k" : ",\"k";
+            text += std::to_string((record + key) % 97);
+            text += key % 3 == 0 ? "\":true" : key % 3 == 1 ? "\":7" : "\":\"v\"";
+        }
+        text += "}";
+    }
+    return text + "]";
+}
+
+std::string longStringsDocument()
+{
+    const std::string pieces[] = { "plain ascii text ", "caf\xc3\xa9 ", "\xe4\xb8\xad\xe6\x96\x87 ",
+                                   "\xf0\x9f\x99\x82 ", "line\\nbreak ", "quote\\\" " };
+    std::string text = "[";
+    for (int item = 0; text.size() < 4000000; ++item) {
+        text += item == 0 ? "\"" : ",\"";
+        for (int piece = 0; piece < 200; ++piece) {
+            text += pieces[(item + piece * 7) % 6];
+        }
+        text += "\"";
+    }
+    return text + "]";
+}
+
+const std::string& document(int kind)
+{
+    static const std::string documents[] = { numbersDocument(), shortKeysDocument(), longStringsDocument() };
+    return documents[kind];
+}
+
+void JsonRead(benchmark::State& state)
+{
+    const std::string& text = document(static_cast<int>(state.range(0)));
+    double seconds[5] = {};
+    bool ok = true;
+    for (auto _ : state) {
+        double start = threadSeconds();
+        orv::utils::BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+        NullBuilder builder;
+        ok = orv::utils::deserializeJson(builder, input, false) && ok;
+        seconds[0] += threadSeconds() - start;
+        state.SetIterationTime(threadSeconds() - start);
+
+        start = threadSeconds();
+        ok = rawParse(text, 256) && ok;
+        seconds[1] += threadSeconds() - start;
+
+        start = threadSeconds();
+        ok = rawParse(text, text.size()) && ok;
+        seconds[2] += threadSeconds() - start;
+
+        start = threadSeconds();
+        rapidjson::Document dom;
+        dom.Parse(text.data(), text.size());
+        ok = !dom.HasParseError() && ok;
+        seconds[3] += threadSeconds() - start;
+
+        start = threadSeconds();
+        const nlohmann::json json = nlohmann::json::parse(text);
+        ok = !json.empty() && ok;
+        seconds[4] += threadSeconds() - start;
+    }
+    if (!ok) {
+        state.SkipWithError("a parser refused the document");
+        return;
+    }
+    const double megabytes = static_cast<double>(text.size()) * static_cast<double>(state.iterations()) / 1e6;
+    state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
+    state.counters["orv_MB/s"] = megabytes / seconds[0];
+    state.counters["yajl256_MB/s"] = megabytes / seconds[1];
+    state.counters["yajlWhole_MB/s"] = megabytes / seconds[2];
+    state.counters["rapidjson_MB/s"] = megabytes / seconds[3];
+    state.counters["nlohmann_MB/s"] = megabytes / seconds[4];
+    state.counters["x_yajl256"] = seconds[1] / seconds[0];
+    state.counters["x_yajlWhole"] = seconds[2] / seconds[0];
+}
+
+} // namespace
+
+// 0: numbers in nested arrays, 1: many short keys, 2: long UTF-8 strings.
+BENCHMARK(JsonRead)->Arg(0)->Arg(1)->Arg(2)->UseManualTime()->Unit(benchmark::kMillisecond);
