@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <charconv>
 #include <clocale>
 #include <cstring>
 #include <string>
@@ -58,10 +57,19 @@ private:
 struct Outcome {
     bool result;
     std::string events;
-    /// Each logged line up to the first line break of its message; the parser's context lines
-    /// follow it.
+    /// The logged lines up to the first line break: the parser's context lines follow it.
     Texts log;
+    Texts fullLog;
 };
+
+Texts firstLines(const Texts& lines)
+{
+    Texts heads;
+    for (const std::string& line : lines) {
+        heads.push_back(line.substr(0, line.find('\n')));
+    }
+    return heads;
+}
 
 Outcome readJson(utils::AbstractDataInputOutput& input, bool stopAfterValue = false, const std::string& refuse = "")
 {
@@ -69,28 +77,14 @@ Outcome readJson(utils::AbstractDataInputOutput& input, bool stopAfterValue = fa
     RecordingLogger logger;
     builder.setLogger(&logger);
     builder.refuseAt(refuse);
-    Outcome outcome { deserializeJson(builder, input, stopAfterValue), builder.line(), {} };
-    for (const std::string& line : logger.lines) {
-        outcome.log.push_back(line.substr(0, line.find('\n')));
-    }
-    return outcome;
+    const bool result = deserializeJson(builder, input, stopAfterValue);
+    return { result, builder.line(), firstLines(logger.lines), logger.lines };
 }
 
 Outcome readJson(const std::string& text, bool stopAfterValue = false, const std::string& refuse = "")
 {
     BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
     return readJson(input, stopAfterValue, refuse);
-}
-
-/// The whole message of the single line logged for `text`.
-std::string fullReport(const std::string& text)
-{
-    BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
-    RecordingBuilder builder;
-    RecordingLogger logger;
-    builder.setLogger(&logger);
-    EXPECT_FALSE(deserializeJson(builder, input, false));
-    return logger.lines.size() == 1 ? logger.lines[0] : "lines: " + std::to_string(logger.lines.size());
 }
 
 std::string jsonIssue(const std::string& message)
@@ -100,26 +94,20 @@ std::string jsonIssue(const std::string& message)
 
 TEST(JsonReader, TurnsEveryValueIntoItsEvents)
 {
-    Outcome outcome = readJson(R"({"a":[1,2.5,"x",null,true]})");
+    Outcome outcome = readJson(R"({"a":[1,2.5,"x",null,true,[]]})");
     EXPECT_TRUE(outcome.result);
     EXPECT_EQ(outcome.events, "begin beginObject child(a) beginArray child int(1) child real(2.5) child string(x) "
-                              "child null child bool(true) endArray endObject end");
+                              "child null child bool(true) child beginArray endArray endArray endObject end");
     EXPECT_TRUE(outcome.log.empty());
-
-    EXPECT_EQ(readJson("[[]]").events, "begin beginArray child beginArray endArray endArray end");
-    EXPECT_EQ(readJson(" [ {} , [ ] ] ").events,
-              "begin beginArray child beginObject endObject child beginArray endArray endArray end");
     // Escapes arrive decoded, duplicate keys as they are, and a scalar may stand at the root.
-    EXPECT_EQ(readJson(R"({"k\"\u00e9":"a\nb","k":false,"k":-0})").events,
-              "begin beginObject child(k\"\xc3\xa9) string(a\nb) child(k) bool(false) child(k) int(0) endObject end");
-    EXPECT_EQ(readJson("\"root\"").events, "begin string(root) end");
-    EXPECT_EQ(readJson("42").events, "begin int(42) end");
+    EXPECT_EQ(readJson(R"({"k\"\u00e9":"a\nb","k":{},"k":-0})").events,
+              "begin beginObject child(k\"\xc3\xa9) string(a\nb) child(k) beginObject endObject child(k) int(0) endObject end");
+    EXPECT_EQ(readJson(" \"root\" ").events, "begin string(root) end");
 
     // An empty input is a document without a value: the result is the builder's `end`.
     outcome = readJson("");
     EXPECT_TRUE(outcome.result);
     EXPECT_EQ(outcome.events, "begin !end");
-    EXPECT_TRUE(outcome.log.empty());
 }
 
 TEST(JsonReader, GivesTheSameEventsWhateverTheChunkBoundaries)
@@ -130,13 +118,9 @@ TEST(JsonReader, GivesTheSameEventsWhateverTheChunkBoundaries)
     for (int i = 0; i < 120; ++i) {
         const std::string word(static_cast<std::size_t>(i), static_cast<char>('a' + i % 26));
         const std::string number = "-" + std::to_string(i + 1) + std::string(static_cast<std::size_t>(i % 7), '1');
-        text += std::string(i == 0 ? "" : ",") + "{\"" + word + "\":\"" + word + "\u00e9\",\"n\":[" + number + "," + number
-            + ".5e-1]}";
-        const double real = std::stod(number + ".5e-1");
-        char realText[32];
-        std::to_chars_result written = std::to_chars(realText, realText + sizeof realText, real);
+        text += (i == 0 ? "{\"" : ",{\"") + word + "\":\"" + word + "\u00e9\",\"n\":[" + number + "," + number + ".5]}";
         expected += " child beginObject child(" + word + ") string(" + word + "\xc3\xa9) child(n) beginArray child int("
-            + number + ") child real(" + std::string(realText, written.ptr) + ") endArray endObject";
+            + number + ") child real(" + number + ".5) endArray endObject";
     }
     text += "]";
     expected += " endArray end";
@@ -163,17 +147,16 @@ TEST(JsonReader, ReadsIntegersToTheLimitsOfLongLongAndRealsToTheLimitsOfDouble)
     outcome = readJson("[1, 9223372036854775808]");
     EXPECT_FALSE(outcome.result);
     EXPECT_EQ(outcome.events, "begin beginArray child int(1)");
-    EXPECT_EQ(fullReport("[1, 99999999999999999999]"),
-              jsonIssue("integer overflow\n                                    [1, 99999999999999999999]\n"
-                        "                     (right here) ------^\n"));
-    EXPECT_EQ(fullReport(R"({"a":[1e400]})"),
-              jsonIssue("numeric (floating point) overflow\n                                  {\"a\":[1e400]}\n"
-                        "                     (right here) ------^\n"));
-    EXPECT_EQ(readJson("-1.7976931348623159e308").log, Texts { jsonIssue("numeric (floating point) overflow") });
+    EXPECT_EQ(readJson("[1, 99999999999999999999]").fullLog,
+              Texts { jsonIssue("integer overflow\n                                    [1, 99999999999999999999]\n"
+                        "                     (right here) ------^\n") });
+    EXPECT_EQ(readJson(R"({"a":[1e400]})").fullLog,
+              Texts { jsonIssue("numeric (floating point) overflow\n                                  {\"a\":[1e400]}\n"
+                        "                     (right here) ------^\n") });
     EXPECT_EQ(readJson("[0.00001e314]").log, Texts { jsonIssue("numeric (floating point) overflow") });
     // A number at the very end is only complete at the end of the input, past every chunk.
-    EXPECT_EQ(fullReport("-99999999999999999999"),
-              jsonIssue("integer overflow\n" + std::string(40, ' ') + "\n                     (right here) ------^\n"));
+    EXPECT_EQ(readJson("-99999999999999999999").fullLog,
+              Texts { jsonIssue("integer overflow\n" + std::string(40, ' ') + "\n                     (right here) ------^\n") });
 }
 
 TEST(JsonReader, ReadsRealsTheSameUnderADecimalCommaLocale)
@@ -197,23 +180,13 @@ TEST(JsonReader, ReportsBadTextWithTheParsersWordsAndKeepsWhatWasBuilt)
     const Case cases[] = {
         { R"({"a":[1,)", "premature EOF", "begin beginObject child(a) beginArray child int(1)" },
         { " \n\t ", "premature EOF", "begin" },
-        { R"({"a":1}XYZ)", "trailing garbage", "begin beginObject child(a) int(1) endObject" },
         { "[1] [2]", "trailing garbage", "begin beginArray child int(1) endArray" },
-        { R"({"a" 1})", "object key and value must be separated by a colon (':')", "begin beginObject child(a)" },
-        { "{1:2}", "invalid object key (must be a string)", "begin beginObject" },
         { R"({"a":1,})", "invalid object key (must be a string)", "begin beginObject child(a) int(1)" },
         { "[1 2]", "after array element, I expect ',' or ']'", "begin beginArray child int(1)" },
-        { R"({"a":1 "b"})", "after key and value, inside map, I expect ',' or '}'", "begin beginObject child(a) int(1)" },
-        { "]", "unallowed token at this point in JSON text", "begin" },
-        { "[1,]", "unallowed token at this point in JSON text", "begin beginArray child int(1)" },
-        { "[@]", ": invalid char in json text.", "begin beginArray" },
-        { "[tru]", ": invalid string in json text.", "begin beginArray" },
+        // The longer prefix of lexical errors leaves ": " in front of the text.
         { "[\"\xff\"]", ": invalid bytes in UTF8 string.", "begin beginArray" },
         { "{\"\xc3\x28\":1}", ": invalid bytes in UTF8 string.", "begin beginObject" },
-        { "[\"a\tb\"]", ": invalid character inside string.", "begin beginArray" },
         { "[1.]", ": malformed number, a digit is required after the decimal point.", "begin beginArray" },
-        { "[1e]", ": malformed number, a digit is required after the exponent.", "begin beginArray" },
-        { "[-]", ": malformed number, a digit is required after the minus sign.", "begin beginArray" },
         { "/* c */ 1", ": probable comment found in input text, comments are not enabled.", "begin" },
     };
     for (const Case& c : cases) {
@@ -222,9 +195,9 @@ TEST(JsonReader, ReportsBadTextWithTheParsersWordsAndKeepsWhatWasBuilt)
         EXPECT_EQ(outcome.log, Texts { jsonIssue(c.message) }) << c.text;
         EXPECT_EQ(outcome.events, c.events) << c.text;
     }
-    EXPECT_EQ(fullReport("{\"a\":1}\nXYZ"),
-              jsonIssue("trailing garbage\n                               {\"a\":1} XYZ\n"
-                        "                     (right here) ------^\n"));
+    EXPECT_EQ(readJson("{\"a\":1}\nXYZ").fullLog,
+              Texts { jsonIssue("trailing garbage\n                               {\"a\":1} XYZ\n"
+                                "                     (right here) ------^\n") });
 }
 
 TEST(JsonReader, StopsAtTheFirstFalseFromTheBuilder)
@@ -234,8 +207,6 @@ TEST(JsonReader, StopsAtTheFirstFalseFromTheBuilder)
     EXPECT_EQ(outcome.events, "begin beginObject child(a) beginArray child int(1) child int(2)");
     EXPECT_EQ(outcome.log, Texts { "error|previous error|Build issue: client cancelled parse via callback return value" });
 
-    // Keys and closing events are refused the same way; no `end` follows.
-    EXPECT_EQ(readJson(R"({"a":1})", false, "child(a)").events, "begin beginObject child(a)");
     EXPECT_EQ(readJson("[[]]", false, "endArray").events, "begin beginArray child beginArray endArray");
     // A refused `begin` reads nothing; a refused `end` is the builder's to report.
     BufferInput untouched("[1]", 3);
@@ -248,13 +219,16 @@ TEST(JsonReader, StopsAtTheFirstFalseFromTheBuilder)
 
 TEST(JsonReader, NestsAsDeepAsTheInputGoesWhileTheWriterStopsAtItsLimit)
 {
-    const std::string deep = std::string(10000, '[') + std::string(10000, ']');
-    const Outcome outcome = readJson(deep);
-    EXPECT_TRUE(outcome.result);
-    EXPECT_EQ(outcome.events.size(), std::string("begin end").size() + 10000 * std::string(" beginArray endArray").size()
-                                         + 9999 * std::string(" child").size());
+    std::string expected = "begin";
+    for (int level = 0; level < 10000; ++level) {
+        expected += level == 0 ? " beginArray" : " child beginArray";
+    }
+    for (int level = 0; level < 10000; ++level) {
+        expected += " endArray";
+    }
+    EXPECT_EQ(readJson(std::string(10000, '[') + std::string(10000, ']')).events, expected + " end");
 
-    // Through the JSON writer: its generator allows 127 levels and the reader passes its refusal on.
+    // The JSON writer's generator takes 127 levels; its refusal of the next comes back as a build issue.
     for (const std::size_t depth : { 127u, 128u }) {
         const std::string text = std::string(depth, '[') + std::string(depth, ']');
         BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
@@ -262,17 +236,12 @@ TEST(JsonReader, NestsAsDeepAsTheInputGoesWhileTheWriterStopsAtItsLimit)
         utils::JsonSerializer writer(output, false);
         RecordingLogger logger;
         writer.setLogger(&logger);
-        const bool result = deserializeJson(writer, input, false);
-        EXPECT_EQ(result, depth == 127);
-        if (result) {
-            EXPECT_EQ(std::string(output.data(), output.size()), text);
-            EXPECT_TRUE(logger.lines.empty());
-        } else {
-            ASSERT_EQ(logger.messages().size(), 2u);
-            EXPECT_EQ(logger.messages()[0], "Maximum generation depth exceeded");
-            EXPECT_EQ(logger.lines[1].substr(0, logger.lines[1].find('\n')),
-                      "error|previous error|Build issue: client cancelled parse via callback return value");
-        }
+        EXPECT_EQ(deserializeJson(writer, input, false), depth == 127);
+        EXPECT_EQ(std::string(output.data(), output.size()), depth == 127 ? text : std::string(127, '['));
+        EXPECT_EQ(firstLines(logger.lines),
+                  depth == 127 ? Texts {}
+                               : (Texts { "error|invalid operation|Maximum generation depth exceeded",
+                                          "error|previous error|Build issue: client cancelled parse via callback return value" }));
     }
 }
 
