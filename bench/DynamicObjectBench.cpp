@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <chrono>
+#include <ctime>
 #include <cstring>
 #include <random>
 #include <string>
@@ -20,12 +20,22 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using orv::utils::DynamicObject;
+
+/// Processor time of this thread, so that other processes on a shared machine count for neither side.
+struct Clock {
+    using time_point = double;
+    static double now()
+    {
+        timespec time;
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+    }
+};
 
 double secondsSince(Clock::time_point start)
 {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    return Clock::now() - start;
 }
 
 /// nlohmann navigation driven by the same path text: name steps looked up as string views.
