@@ -92,14 +92,24 @@ bool isAboveRealRange(const char* text, const char* end)
     return integerDigits - firstSignificant - 1 + (negativeExponent ? -exponent : exponent) > 0;
 }
 
+/// An integer has neither fraction nor exponent.
+bool isIntegerToken(const char* text, const char* end)
+{
+    for (; text != end; ++text) {
+        if (*text == '.' || *text == 'e' || *text == 'E') {
+            return false;
+        }
+    }
+    return true;
+}
+
 // The number arrives as its token, so that no conversion depends on the process's locale:
 // std::from_chars reads as the "C" locale does and switches nothing.
 int onNumber(void* ctx, const char* text, std::size_t length)
 {
     JsonParseContext& context = contextOf(ctx);
     const char* end = text + length;
-    if (std::memchr(text, '.', length) == nullptr && std::memchr(text, 'e', length) == nullptr
-        && std::memchr(text, 'E', length) == nullptr) {
+    if (isIntegerToken(text, end)) {
         long long value = 0;
         if (std::from_chars(text, end, value).ec != std::errc()) {
             // The lexer gave a valid integer token, so only its size can fail.
