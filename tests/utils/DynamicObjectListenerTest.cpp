@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -142,4 +144,40 @@ TEST(DynamicObjectListener, ListenersAreCalledInOrderAndRemovedByValue)
     EXPECT_EQ(capture.texts(), (Texts{"listeners_[i]", "listeners_[i]"}));
     EXPECT_EQ(second.events.size(), 6u);
     EXPECT_FALSE(object.getBool(a, true));
+}
+
+namespace {
+
+// The slot of a virtual operation, read from its member pointer as the platform's C++ ABI lays it
+// out: one plus the byte offset in the table of virtual operations.
+template <typename Operation>
+std::size_t slotOf(Operation operation)
+{
+    std::uintptr_t words[2];
+    static_assert(sizeof(operation) == sizeof(words), "a member pointer is two words");
+    std::memcpy(words, &operation, sizeof(words));
+    return (words[0] - 1) / sizeof(void*);
+}
+
+} // namespace
+
+TEST(DynamicObjectListener, OperationsKeepTheirSlotsForHosts)
+{
+    using L = orv::utils::AbstractDynamicObjectListener;
+    const std::vector<std::size_t> slots = {
+        slotOf(&L::beforeAddProperty), slotOf(&L::afterAddProperty), slotOf(&L::beforeSetInt),
+        slotOf(&L::afterSetInt),       slotOf(&L::beforeSetReal),    slotOf(&L::afterSetReal),
+        slotOf(&L::beforeSetString),   slotOf(&L::afterSetString),   slotOf(&L::beforeSetBool),
+        slotOf(&L::afterSetBool),      slotOf(&L::beforeGetProperty), slotOf(&L::afterGetProperty),
+        slotOf(&L::beforeRetrieve),    slotOf(&L::afterRetrieve),    slotOf(&L::reserved14),
+        slotOf(&L::reserved15),        slotOf(&L::reserved16),       slotOf(&L::reserved17),
+        slotOf(&L::beforePut),         slotOf(&L::afterPut),         slotOf(&L::reserved20),
+        slotOf(&L::reserved21),        slotOf(&L::reserved22),       slotOf(&L::reserved23),
+        slotOf(&L::beforeResetProperty), slotOf(&L::afterResetProperty), slotOf(&L::beforeCopy),
+        slotOf(&L::afterCopy)};
+    std::vector<std::size_t> expected(28);
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        expected[i] = i;
+    }
+    EXPECT_EQ(slots, expected);
 }
