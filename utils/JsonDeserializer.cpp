@@ -11,7 +11,6 @@
 
 #include <charconv>
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <system_error>
 
