@@ -77,25 +77,11 @@ void Random::advance(long long count)
 char* serializeRandom(unsigned int& size, const Random& random, AbstractLogger* logger)
 {
     proto::Random message;
-    proto::RandomVersion& version = *message.mutable_version();
-    version.set_major(impl::randomFormatMajor);
-    version.set_minor(impl::randomFormatMinor);
-    version.set_patch(impl::randomFormatPatch);
+    impl::setRandomFormatVersion(*message.mutable_version());
     proto::RandomProperties& properties = *message.mutable_random();
     properties.set_seed(random.getSeed());
     properties.set_count(static_cast<unsigned long long>(random.getCount()));
-    std::string text;
-    if (!impl::printRandomText(message, text)) {
-        // The text names a manager here too, on purpose: it is part of the interface.
-        ORV_LOG_ERROR(logger, error::ioProblem, "Unable to serialize the given random manager: " << message.DebugString());
-        return nullptr;
-    }
-    char* buffer = impl::copyRandomText(text, size);
-    if (buffer == nullptr) {
-        ORV_LOG_ERROR(logger, error::badAllocation,
-                      "Unable to allocate " << text.size() << " bytes for the serialized random stream.");
-    }
-    return buffer;
+    return impl::serializeRandomMessage(message, size, "random stream", logger);
 }
 
 bool deserializeRandom(const char* data, unsigned int size, Random& random, AbstractLogger* logger)
@@ -110,14 +96,7 @@ bool deserializeRandom(const char* data, unsigned int size, Random& random, Abst
         ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a random stream: " << message.DebugString());
         return false;
     }
-    const proto::RandomVersion& version = message.version();
-    if (version.major() != impl::randomFormatMajor || version.minor() != impl::randomFormatMinor ||
-        version.patch() != impl::randomFormatPatch) {
-        ORV_LOG_ERROR(logger, error::invalidData,
-                      "Error while deserializing random: The file originates from a version, v"
-                          << version.major() << "." << version.minor() << "." << version.patch()
-                          << ", that is not compatible with the current version, v" << impl::randomFormatMajor << "."
-                          << impl::randomFormatMinor << "." << impl::randomFormatPatch << ".");
+    if (!impl::checkRandomFormatVersion(message.version(), "random", logger)) {
         return false;
     }
     if (!message.has_random()) {

@@ -31,22 +31,9 @@ Random RandomManager::createRandomStream(unsigned int streamId) const
 char* serializeRandomManager(unsigned int& size, const RandomManager& manager, AbstractLogger* logger)
 {
     proto::RandomManager message;
-    proto::RandomVersion& version = *message.mutable_version();
-    version.set_major(impl::randomFormatMajor);
-    version.set_minor(impl::randomFormatMinor);
-    version.set_patch(impl::randomFormatPatch);
+    impl::setRandomFormatVersion(*message.mutable_version());
     message.mutable_randommanager()->set_seed(manager.getSeed());
-    std::string text;
-    if (!impl::printRandomText(message, text)) {
-        ORV_LOG_ERROR(logger, error::ioProblem, "Unable to serialize the given random manager: " << message.DebugString());
-        return nullptr;
-    }
-    char* buffer = impl::copyRandomText(text, size);
-    if (buffer == nullptr) {
-        ORV_LOG_ERROR(logger, error::badAllocation,
-                      "Unable to allocate " << text.size() << " bytes for the serialized random manager.");
-    }
-    return buffer;
+    return impl::serializeRandomMessage(message, size, "random manager", logger);
 }
 
 bool deserializeRandomManager(const char* data, unsigned int size, RandomManager& manager, AbstractLogger* logger)
@@ -61,14 +48,7 @@ bool deserializeRandomManager(const char* data, unsigned int size, RandomManager
         ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a random manager: " << message.DebugString());
         return false;
     }
-    const proto::RandomVersion& version = message.version();
-    if (version.major() != impl::randomFormatMajor || version.minor() != impl::randomFormatMinor ||
-        version.patch() != impl::randomFormatPatch) {
-        ORV_LOG_ERROR(logger, error::invalidData,
-                      "Error while deserializing random manager: The file originates from a version, v"
-                          << version.major() << "." << version.minor() << "." << version.patch()
-                          << ", that is not compatible with the current version, v" << impl::randomFormatMajor << "."
-                          << impl::randomFormatMinor << "." << impl::randomFormatPatch << ".");
+    if (!impl::checkRandomFormatVersion(message.version(), "random manager", logger)) {
         return false;
     }
     if (!message.has_randommanager()) {

@@ -14,6 +14,13 @@ class Message;
 
 namespace orv {
 namespace utils {
+
+class AbstractLogger;
+
+namespace proto {
+class RandomVersion;
+}
+
 namespace impl {
 
 constexpr unsigned int randomFormatMajor = 0;
@@ -30,6 +37,18 @@ bool parseRandomText(const char* data, unsigned int size, google::protobuf::Mess
 /// Copies `text` into a buffer of the array allocation form and sets `size`. Null, with `size`
 /// untouched, when memory runs out.
 char* copyRandomText(const std::string& text, unsigned int& size);
+
+/// Stamps the format's current version into `version`.
+void setRandomFormatVersion(proto::RandomVersion& version);
+
+/// True when `version` is the current one; otherwise logs the refusal for `subject` ("random" or
+/// "random manager").
+bool checkRandomFormatVersion(const proto::RandomVersion& version, const char* subject, AbstractLogger* logger);
+
+/// Prints `message` into a new buffer of the array allocation form. On failure logs and gives null;
+/// `what` names the serialized thing in the allocation failure ("random stream", "random manager").
+char* serializeRandomMessage(const google::protobuf::Message& message, unsigned int& size, const char* what,
+                             AbstractLogger* logger);
 
 } // namespace impl
 } // namespace utils
