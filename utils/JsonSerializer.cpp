@@ -1,5 +1,7 @@
 #include <orv/utils/JsonSerializer.h>
 
+#include <orv/utils/DynamicObject.h>
+
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/AbstractDataInputOutput.h>
 #include <orv/utils/details/Logging.h>
@@ -318,6 +320,13 @@ bool JsonSerializer::endArray()
 {
     yajl_gen generator = static_cast<yajl_gen>(openGenerator());
     return generator != nullptr && checkStatus(logger_, yajl_gen_array_close(generator));
+}
+
+bool serializeDynamicObjectToJson(const DynamicObject& object, AbstractDataInputOutput& output, AbstractLogger* logger)
+{
+    JsonSerializer serializer(output, false);
+    serializer.setLogger(logger);
+    return object.visit(serializer);
 }
 
 } // namespace utils

@@ -8,6 +8,7 @@ namespace orv {
 namespace utils {
 
 class AbstractDataInputOutput;
+class DynamicObject;
 
 namespace impl {
 struct JsonSerializerContext;
@@ -57,6 +58,11 @@ private:
     bool rootStarted_;
     bool beautify_;
 };
+
+/// Writes `object` as compact JSON to `output` through a JsonSerializer; false when the walk or a
+/// write fails (what was written stays written).
+ORV_UTILS_API bool serializeDynamicObjectToJson(const DynamicObject& object, AbstractDataInputOutput& output,
+                                                AbstractLogger* logger);
 
 } // namespace utils
 } // namespace orv

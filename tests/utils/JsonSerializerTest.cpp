@@ -1,5 +1,6 @@
 #include "support/TestSupport.h"
 
+#include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/FileInputOutput.h>
 #include <orv/utils/JsonSerializer.h>
@@ -224,3 +225,16 @@ TEST(JsonSerializerNumbers, TheProcessLocaleDoesNotDecideTheDecimalSeparator)
 } // namespace
 } // namespace test
 } // namespace orv
+
+TEST(JsonSerializer, WritesADynamicObjectCompactlyInTheOrderOfItsKeys)
+{
+    orv::utils::DynamicObject object;
+    object.setInt("b.n", 3);
+    object.setReal("b.r", 2.0);
+    object.setString("a", "t\"x");
+    object.setBool("c[1]", true);
+    orv::utils::DynamicBufferInputOutput output("json");
+    ASSERT_TRUE(orv::utils::serializeDynamicObjectToJson(object, output, nullptr));
+    EXPECT_EQ(std::string(output.data(), output.size()),
+              R"({"a":"t\"x","b":{"n":3,"r":2.0},"c":[null,true]})");
+}
