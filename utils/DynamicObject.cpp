@@ -1,6 +1,8 @@
 #include <orv/utils/DynamicObject.h>
 
 #include <orv/utils/AbstractPropertyParser.h>
+#include <orv/utils/AssertingLogger.h>
+#include <orv/utils/DynamicObjectBuilder.h>
 #include <orv/utils/DynamicValue.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/impl/DynamicObjectHelpers.h>
@@ -719,6 +721,51 @@ void DynamicObject::retrieveValue(const char* key, DynamicValue& value) const
 void DynamicObject::retrieveValue(const char* key, unsigned int length, DynamicValue& value) const
 {
     retrieveValue(getPropertyAsserts(key, length), value);
+}
+
+// Copies through builder events.
+
+void DynamicObject::retrieve(unsigned int property, DynamicObject& target) const
+{
+    notify([](AbstractDynamicObjectListener& listener) { listener.beforeRetrieve(); });
+    AssertingLogger logger;
+    DynamicObjectBuilder builder(target, 0);
+    builder.setLogger(&logger);
+    if (builder.begin() && recursiveVisit(property, builder)) {
+        builder.end();
+    }
+    notify([property](AbstractDynamicObjectListener& listener) { listener.afterRetrieve(property); });
+}
+
+void DynamicObject::retrieve(const char* key, DynamicObject& target) const
+{
+    retrieve(checkKey(key) ? getProperty(key) : 0, target);
+}
+
+void DynamicObject::retrieve(const char* key, unsigned int length, DynamicObject& target) const
+{
+    retrieve(checkKey(key) ? getProperty(key, length) : 0, target);
+}
+
+unsigned int DynamicObject::appendElement(unsigned int array)
+{
+    Node* value = findValueNodeAsserts(array);
+    if (value == nullptr) {
+        return 0;
+    }
+    const unsigned int count = value->value.type == type::array ? static_cast<unsigned int>(value->getPayload()) : 0;
+    char key[16];
+    const unsigned int length = formatArrayKey(count, key);
+    bool added;
+    unsigned int element;
+    unsigned int valueIndex;
+    if (addProperty(array, key, length, added, element, valueIndex) == nullptr) {
+        return 0;
+    }
+    // Blocks never move, so the value node is still where it was before the key's nodes came.
+    value->setPayload(count + 1);
+    value->value.type = type::array;
+    return element;
 }
 
 } // namespace utils

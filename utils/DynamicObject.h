@@ -15,6 +15,7 @@ namespace utils {
 
 class AbstractDynamicObjectListener;
 class AbstractObjectBuilder;
+class DynamicObjectBuilder;
 class DynamicValue;
 class StringTable;
 class TypeManager;
@@ -198,6 +199,13 @@ public:
     void put(const char* key, unsigned int length, const DynamicObject& other, const char* otherKey,
              unsigned int otherLength);
 
+    /// Rebuilds the value of `property` in `target`, from `target`'s root, through a
+    /// DynamicObjectBuilder whose refusals are failed assertions. A handle of 0 sends a null. What
+    /// was built before a refusal stays in `target`.
+    void retrieve(unsigned int property, DynamicObject& target) const;
+    void retrieve(const char* key, DynamicObject& target) const;
+    void retrieve(const char* key, unsigned int length, DynamicObject& target) const;
+
     /// Sends the tree as one document (`begin`, the root's value, `end`); true only if every event
     /// was accepted. Object keys come in the iterator's order.
     bool visit(AbstractObjectBuilder& builder) const;
@@ -212,6 +220,7 @@ public:
 private:
     friend class impl::DynamicObjectPropertyChildrenIterator;
     friend class impl::DynamicObjectPathCreator;
+    friend class DynamicObjectBuilder;
 
     Node* getNode(unsigned int index) const
     {
@@ -270,6 +279,10 @@ private:
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length);
     /// The value node of a property for an operation that needs one; "Invalid property" otherwise.
     Node* findValueNodeAsserts(unsigned int property) const;
+    /// Appends a null element to an array (or a null property, which becomes one) and returns its
+    /// handle, 0 when no node is left. Unlike resize this reaches the last of maximumArraySize
+    /// elements, which a builder fills from a document.
+    unsigned int appendElement(unsigned int array);
     /// Removes the children of an array or object value before a scalar is stored.
     void prepareScalarWrite(unsigned int property, Node*& value);
 

@@ -1,0 +1,63 @@
+#ifndef ORV_UTILS_DYNAMICOBJECTBUILDER_H
+#define ORV_UTILS_DYNAMICOBJECTBUILDER_H
+
+#include <orv/utils/AbstractObjectBuilder.h>
+#include <orv/utils/Common.h>
+#include <orv/utils/Type.h>
+
+namespace orv {
+namespace utils {
+
+class DynamicObject;
+
+/// The consumer that fills a DynamicObject from builder events, starting at one property.
+///
+/// The builder keeps one entry per property under construction: its handle and the type that
+/// the events have given it so far (null until the first event says). A builder on a property
+/// that already holds something continues it: an object takes more children, an array grows at
+/// its end, and a scalar refuses every other type. After the starting property's value is
+/// complete every event answers "No current property.". Nothing is rolled back on a refusal:
+/// the object keeps what was built.
+class ORV_UTILS_API DynamicObjectBuilder : public AbstractObjectBuilder {
+public:
+    /// Fills `property` of `object` (0 for its root); the object must outlive the builder.
+    DynamicObjectBuilder(DynamicObject& object, unsigned int property);
+
+    // Scalars answer true whatever happened: a refusal shows only in the log and, for a type
+    // conflict, in the failed assertion "Invalid call sequence".
+    bool null() override;
+    bool boolean(bool value) override;
+    bool integer(long long value) override;
+    bool real(double value) override;
+    using AbstractObjectBuilder::string;
+    bool string(const char* value, unsigned int size) override;
+    bool beginObject() override;
+    using AbstractObjectBuilder::objectChild;
+    bool objectChild(const char* key, unsigned int size) override;
+    bool endObject() override;
+    bool beginArray() override;
+    /// Appends a null element, which the next value fills.
+    bool arrayChild() override;
+    bool endArray() override;
+
+private:
+    bool beginProperty(type::Type type);
+    bool endProperty(type::Type type);
+    /// Starts a container on the current property; a value left there by an earlier duplicate key
+    /// gives way to it.
+    bool beginContainer(type::Type type);
+    /// The current property for a scalar store, or 0 when there is none.
+    unsigned int currentForScalar(type::Type type);
+
+    Vector<unsigned int> properties_;
+    Vector<type::Type> types_;
+    DynamicObject& object_;
+};
+
+/// Sends `object` to `builder` as one document from its root; true only if every event was accepted.
+ORV_UTILS_API bool serializeDynamicObject(const DynamicObject& object, AbstractObjectBuilder& builder);
+
+} // namespace utils
+} // namespace orv
+
+#endif
