@@ -13,7 +13,9 @@ struct orv_DynamicObject;
 namespace orv {
 namespace utils {
 
+class AbstractDataInputOutput;
 class AbstractDynamicObjectListener;
+class AbstractLogger;
 class AbstractObjectBuilder;
 class DynamicObjectBuilder;
 class DynamicValue;
@@ -205,6 +207,16 @@ public:
     void retrieve(unsigned int property, DynamicObject& target) const;
     void retrieve(const char* key, DynamicObject& target) const;
     void retrieve(const char* key, unsigned int length, DynamicObject& target) const;
+
+    /// Writes the node store as it lies in memory: a header of 24 bytes (magic 0x81, version
+    /// 0.4.0, block size, block count, root, slots taken in the last block, free list head), then
+    /// every block. The string table is not written: string values travel as hashes only.
+    bool saveBlob(AbstractDataInputOutput& output, AbstractLogger* logger) const;
+    /// Replaces the nodes with those of a blob saved from an object of the same block size; handles
+    /// and the free list come back as they were. A blob refused by its header leaves the object as
+    /// it was; one that fails later leaves no nodes at all, and `clear` or another load must follow.
+    /// String values read as their default unless this object's table knows their hashes.
+    bool loadBlob(AbstractDataInputOutput& input, AbstractLogger* logger);
 
     /// Sends the tree as one document (`begin`, the root's value, `end`); true only if every event
     /// was accepted. Object keys come in the iterator's order.

@@ -1,0 +1,228 @@
+// The blob form of a dynamic object: the node store saved and loaded as it lies.
+
+#include "support/TestSupport.h"
+#include "utils/DynamicObjectTestSupport.h"
+
+#include <orv/utils/BufferInput.h>
+#include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/StringTable.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace orv {
+namespace test {
+namespace {
+
+using utils::DynamicObject;
+
+std::string save(const DynamicObject& object)
+{
+    utils::DynamicBufferInputOutput buffer("blob");
+    EXPECT_TRUE(object.saveBlob(buffer, nullptr));
+    return std::string(buffer.data(), buffer.size());
+}
+
+/// Loads exactly the bytes given, from a heap copy of their size, so a read past them is caught.
+bool load(DynamicObject& object, const std::string& bytes, utils::AbstractLogger* logger)
+{
+    std::vector<char> copy(bytes.begin(), bytes.end());
+    // The stream takes no null buffer, even for no bytes.
+    copy.reserve(1);
+    utils::BufferInput input(copy.data(), static_cast<unsigned int>(bytes.size()));
+    return object.loadBlob(input, logger);
+}
+
+unsigned int wordAt(const std::string& bytes, std::size_t offset)
+{
+    unsigned int word;
+    std::memcpy(&word, bytes.data() + offset, sizeof(word));
+    return word;
+}
+
+/// Some of everything over three blocks of nodes, with erased properties on the free list.
+void fill(DynamicObject& object)
+{
+    for (int i = 0; i < 40; ++i) {
+        object.setInt(("list[" + std::to_string(i) + "].n").c_str(), i);
+    }
+    object.setReal("a.real", 0.25);
+    object.setBool("a.flag", true);
+    object.setString("a.text", "words");
+    object.eraseChild("a", "flag", 4);
+    object.resize("list", 30);
+}
+
+TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
+{
+    const std::string fresh = save(DynamicObject());
+    ASSERT_EQ(fresh.size(), 2072u);
+    EXPECT_EQ(fresh.substr(0, 4), std::string("\x81\0\4\0", 4));
+    EXPECT_EQ(wordAt(fresh, 4), 128u);
+    EXPECT_EQ(wordAt(fresh, 8), 1u);
+    EXPECT_EQ(wordAt(fresh, 12), 2u);
+
+    utils::StringTable table(DynamicObject::stringTableSeed);
+    DynamicObject::NodeAllocator allocator(DynamicObject::defaultBlockSize);
+    DynamicObject source(allocator, table);
+    fill(source);
+    const std::string blob = save(source);
+    ASSERT_GT(wordAt(blob, 8), 2u);
+    ASSERT_NE(wordAt(blob, 20), 0u);
+    EXPECT_EQ(blob.size(), 24 + wordAt(blob, 8) * 128 * 16);
+
+    // Bytes after the last block are left in the stream.
+    const std::string trailed = blob + "tail";
+    const std::vector<char> bytes(trailed.begin(), trailed.end());
+    utils::BufferInput input(bytes.data(), static_cast<unsigned int>(bytes.size()));
+    DynamicObject loaded(allocator, table);
+    loaded.setInt("old", 1);
+    RecordingLogger logger;
+    ASSERT_TRUE(loaded.loadBlob(input, &logger));
+    EXPECT_EQ(logger.lines, Texts {});
+    EXPECT_EQ(input.getReadableDataSize(), 4u);
+    EXPECT_EQ(dump(loaded), dump(source));
+    EXPECT_EQ(loaded.getProperty("list[29].n"), source.getProperty("list[29].n"));
+    EXPECT_STREQ(loaded.getString("a.text", nullptr), "words");
+    // Both objects take the next free node from the same list.
+    EXPECT_EQ(loaded.addProperty("new"), source.addProperty("new"));
+
+    // Without the table that knows the hash, the text is lost.
+    DynamicObject stranger;
+    ASSERT_TRUE(load(stranger, blob, nullptr));
+    EXPECT_STREQ(stranger.getString("a.text", "default"), "default");
+    EXPECT_EQ(stranger.getReal("a.real", 0.0), 0.25);
+}
+
+TEST(DynamicObjectBlob, ABadHeaderLeavesTheObjectAsItWas)
+{
+    const std::string blob = save(DynamicObject());
+    std::string zeroBlocks = blob;
+    std::memset(&zeroBlocks[8], 0, 4);
+    const std::string prefix = "error|invalid argument|Unable to load dynamic object blob, ";
+    const struct {
+        std::string bytes;
+        std::string line;
+    } cases[] = {
+        { "\x7f" + blob.substr(1), prefix + "wrong magic number (expecting \x81, got \x7f)." },
+        // The bytes go into the text as they are, and a zero byte ends it.
+        { blob.substr(0, 3) + "\1" + blob.substr(4), prefix + "wrong version number (expecting 0.4.0, got " },
+        { blob.substr(0, 1) + "\1\3\5" + blob.substr(4),
+            prefix + "wrong version number (expecting 0.4.0, got \1.\3.\5)." },
+        { zeroBlocks, prefix + "no blocks." },
+    };
+    for (const auto& c : cases) {
+        DynamicObject object;
+        object.setInt("kept", 3);
+        RecordingLogger logger;
+        EXPECT_FALSE(load(object, c.bytes, &logger));
+        EXPECT_EQ(logger.lines, Texts { c.line });
+        EXPECT_FALSE(load(object, c.bytes, nullptr));
+        EXPECT_EQ(dump(object), R"({"kept":3})");
+    }
+
+    utils::StringTable table(DynamicObject::stringTableSeed);
+    DynamicObject::NodeAllocator allocator(64);
+    DynamicObject small(allocator, table);
+    small.setInt("kept", 3);
+    RecordingLogger logger;
+    EXPECT_FALSE(load(small, blob, &logger));
+    EXPECT_EQ(logger.lines, Texts { prefix + "wrong block size (expecting 64, got 128)." });
+    EXPECT_EQ(dump(small), R"({"kept":3})");
+}
+
+TEST(DynamicObjectBlob, ACutBlobFailsAtItsCutAndLeavesNoNodes)
+{
+    DynamicObject source;
+    fill(source);
+    const std::string blob = save(source);
+    const std::size_t blockBytes = 128 * 16;
+    const std::string prefix = "error|invalid argument|Unable to load dynamic object blob, can't read the expected ";
+    for (std::size_t cut = 0; cut < blob.size(); ++cut) {
+        std::string expected;
+        if (cut < 12) {
+            expected = prefix + "header.";
+        } else if (cut < 16) {
+            expected = prefix + "root property.";
+        } else if (cut < 20) {
+            expected = prefix + "free node index.";
+        } else if (cut < 24) {
+            expected = prefix + "free node list.";
+        } else {
+            expected = prefix + "block #" + std::to_string((cut - 24) / blockBytes) + ".";
+        }
+        DynamicObject object;
+        object.setInt("kept", 3);
+        RecordingLogger logger;
+        ASSERT_FALSE(load(object, blob.substr(0, cut), &logger)) << cut;
+        ASSERT_EQ(logger.lines, Texts { expected }) << cut;
+        if (cut < 12) {
+            ASSERT_EQ(dump(object), R"({"kept":3})") << cut;
+            continue;
+        }
+        // No blocks are left: the object saves as a header alone.
+        const std::string emptied = save(object);
+        ASSERT_EQ(emptied.size(), 24u) << cut;
+        ASSERT_EQ(wordAt(emptied, 8), 0u) << cut;
+        object.clear();
+        ASSERT_TRUE(object.empty());
+        ASSERT_EQ(object.getRoot(), 2u);
+    }
+}
+
+/// A stream that is readable or writable as told and takes a given number of writes.
+class LimitedStream : public utils::AbstractDataInputOutput {
+public:
+    LimitedStream(bool readable, bool writable, int writes)
+        : readable_(readable)
+        , writable_(writable)
+        , writes_(writes)
+    {
+    }
+    bool isWritable() const override { return writable_; }
+    bool write(const char*, unsigned int, utils::AbstractLogger*) override { return writes_-- > 0; }
+    bool isReadable() const override { return readable_; }
+    bool read(char*, unsigned int& size, utils::AbstractLogger*) override
+    {
+        size = 0;
+        return true;
+    }
+
+private:
+    bool readable_;
+    bool writable_;
+    int writes_;
+};
+
+TEST(DynamicObjectBlob, ReportsTheStepThatCouldNotBeWritten)
+{
+    DynamicObject object;
+    fill(object);
+    const std::string prefix = "error|invalid argument|Unable to save dynamic object blob, ";
+    const Texts expected = { prefix + "can't write the header.", prefix + "can't write the root property.",
+        prefix + "can't write the free node index.", prefix + "can't write the free node list.",
+        prefix + "can't write the block #0.", prefix + "can't write the block #1." };
+    for (int writes = 0; writes < static_cast<int>(expected.size()); ++writes) {
+        LimitedStream output(true, true, writes);
+        RecordingLogger logger;
+        EXPECT_FALSE(object.saveBlob(output, &logger));
+        EXPECT_EQ(logger.lines, Texts { expected[writes] });
+    }
+
+    RecordingLogger logger;
+    LimitedStream closed(false, false, 100);
+    EXPECT_FALSE(object.saveBlob(closed, &logger));
+    EXPECT_FALSE(object.loadBlob(closed, &logger));
+    EXPECT_FALSE(object.loadBlob(closed, nullptr));
+    EXPECT_EQ(logger.lines,
+        (Texts { prefix + "the given input is not writable.",
+            "error|invalid argument|Unable to load dynamic object blob, the given input is not "
+            "readable." }));
+}
+
+} // namespace
+} // namespace test
+} // namespace orv
