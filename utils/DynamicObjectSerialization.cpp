@@ -2,8 +2,10 @@
 
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/DynamicObject.h>
+#include <orv/utils/DynamicObjectBuilder.h>
 #include <orv/utils/details/ArrayAllocation.h>
 #include <orv/utils/impl/ProtobufDynamicObjectBuilder.h>
+#include <orv/utils/impl/ProtobufDynamicObjectReader.h>
 
 #include <cstring>
 
@@ -32,6 +34,13 @@ char* serializeDynamicObject(unsigned int& size, const DynamicObject& object, Ab
     std::memcpy(text, buffer.data(), length);
     size = length;
     return text;
+}
+
+bool deserializeDynamicObject(const char* data, unsigned int size, DynamicObject& object, AbstractLogger* logger)
+{
+    DynamicObjectBuilder builder(object, 0);
+    builder.setLogger(logger);
+    return impl::readProtobufDynamicObject(data, size, builder);
 }
 
 } // namespace utils

@@ -23,6 +23,11 @@ ORV_UTILS_API bool serializeDynamicObjectToProtobuf(const DynamicObject& object,
 /// in one word ahead of the returned pointer; the caller releases it with details::releaseArray.
 ORV_UTILS_API char* serializeDynamicObject(unsigned int& size, const DynamicObject& object, AbstractLogger* logger);
 
+/// Reads the text into the root of `object`. Any file of the same major version is accepted; a
+/// file without a root succeeds and leaves `object` alone. What was read before a failure stays.
+ORV_UTILS_API bool deserializeDynamicObject(const char* data, unsigned int size, DynamicObject& object,
+                                            AbstractLogger* logger);
+
 } // namespace utils
 } // namespace orv
 

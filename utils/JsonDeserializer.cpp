@@ -4,6 +4,7 @@
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/Common.h>
+#include <orv/utils/DynamicObjectBuilder.h>
 #include <orv/utils/details/Logging.h>
 #include <orv/utils/impl/YajlAllocation.h>
 
@@ -310,6 +311,13 @@ bool deserializeJson(AbstractObjectBuilder& builder, AbstractDataInputOutput& in
     }
     yajl_free(parser);
     return status == yajl_status_ok && builder.end();
+}
+
+bool deserializeDynamicObjectFromJson(DynamicObject& object, AbstractDataInputOutput& input, AbstractLogger* logger)
+{
+    DynamicObjectBuilder builder(object, 0);
+    builder.setLogger(logger);
+    return deserializeJson(builder, input, false);
 }
 
 } // namespace utils

@@ -25,6 +25,11 @@ class DynamicObject;
 ORV_UTILS_API bool deserializeJson(AbstractObjectBuilder& builder, AbstractDataInputOutput& input,
                                    bool stopAfterValue);
 
+/// Reads one JSON document into the root of `object`, as `deserializeJson` does with nothing
+/// allowed after the value. What was read before a failure stays in `object`.
+ORV_UTILS_API bool deserializeDynamicObjectFromJson(DynamicObject& object, AbstractDataInputOutput& input,
+                                                    AbstractLogger* logger);
+
 } // namespace utils
 } // namespace orv
 

@@ -3,6 +3,7 @@
 
 #include <orv/utils/BufferInput.h>
 #include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/DynamicObject.h>
 #include <orv/utils/JsonDeserializer.h>
 #include <orv/utils/JsonSerializer.h>
 
@@ -294,6 +295,28 @@ TEST(JsonReader, ReportsStreamsThatFailToRead)
     EXPECT_FALSE(outcome.result);
     EXPECT_EQ(outcome.events, "begin beginArray");
     EXPECT_EQ(outcome.log, (Texts { "error|invalid data|Error while reading the input data.", jsonIssue("") }));
+}
+
+TEST(JsonReader, FillsADynamicObjectAndKeepsWhatWasReadBeforeAFault)
+{
+    const std::string text = R"({"o":{"k":"v"},"a":[1,2.5,null,true]})";
+    BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+    utils::DynamicObject object;
+    EXPECT_TRUE(utils::deserializeDynamicObjectFromJson(object, input, nullptr));
+    RecordingBuilder visited;
+    EXPECT_TRUE(object.visit(visited));
+    EXPECT_EQ(visited.line(), "begin beginObject child(a) beginArray child int(1) child real(2.5) child null child "
+                              "bool(true) endArray child(o) beginObject child(k) string(v) endObject endObject end");
+
+    const std::string truncated = R"({"a":1,"b":[2,)";
+    BufferInput broken(truncated.data(), static_cast<unsigned int>(truncated.size()));
+    utils::DynamicObject partial;
+    RecordingLogger logger;
+    EXPECT_FALSE(utils::deserializeDynamicObjectFromJson(partial, broken, &logger));
+    EXPECT_EQ(firstLines(logger.lines), Texts { jsonIssue("premature EOF") });
+    EXPECT_EQ(partial.getInt("a", 0), 1);
+    EXPECT_EQ(partial.getInt("b[0]", 0), 2);
+    EXPECT_EQ(partial.countChildren("b"), 1u);
 }
 
 } // namespace
