@@ -1,4 +1,4 @@
-// JSON text to builder events, beside its anchors parsing the same bytes in the same run: the
+// JSON text to builder events, and to a dynamic object, beside its anchors parsing the same bytes in the same run: the
 // parser's own raw parse with callbacks that do nothing (fed in the reader's 256-byte chunks, and
 // in one piece), a DOM parse and a second DOM library. Each iteration runs every contender once,
 // in turn, and each is timed in the thread's processor time, so that time lost to other
@@ -9,6 +9,7 @@
 
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/BufferInput.h>
+#include <orv/utils/DynamicObject.h>
 #include <orv/utils/JsonDeserializer.h>
 
 #include <benchmark/benchmark.h>
@@ -182,7 +183,7 @@ const std::string& document(int kind)
 void JsonRead(benchmark::State& state)
 {
     const std::string& text = document(static_cast<int>(state.range(0)));
-    double seconds[5] = {};
+    double seconds[6] = {};
     bool ok = true;
     for (auto _ : state) {
         double start = threadSeconds();
@@ -210,6 +211,14 @@ void JsonRead(benchmark::State& state)
         const nlohmann::json json = nlohmann::json::parse(text);
         ok = !json.empty() && ok;
         seconds[4] += threadSeconds() - start;
+
+        start = threadSeconds();
+        {
+            orv::utils::BufferInput objectInput(text.data(), static_cast<unsigned int>(text.size()));
+            orv::utils::DynamicObject object;
+            ok = orv::utils::deserializeDynamicObjectFromJson(object, objectInput, nullptr) && ok;
+        }
+        seconds[5] += threadSeconds() - start;
     }
     if (!ok) {
         state.SkipWithError("a parser refused the document");
@@ -222,7 +231,9 @@ void JsonRead(benchmark::State& state)
     state.counters["yajlWhole_MB/s"] = megabytes / seconds[2];
     state.counters["rapidjson_MB/s"] = megabytes / seconds[3];
     state.counters["nlohmann_MB/s"] = megabytes / seconds[4];
+    state.counters["object_MB/s"] = megabytes / seconds[5];
     state.counters["x_yajl256"] = seconds[1] / seconds[0];
+    state.counters["object_x_yajl256"] = seconds[1] / seconds[5];
     state.counters["x_yajlWhole"] = seconds[2] / seconds[0];
 }
 
