@@ -129,39 +129,52 @@ bool DynamicObject::loadBlob(AbstractDataInputOutput& input, AbstractLogger* log
     }
 
     // From here on the old nodes are gone: a failure leaves an object with no blocks, which the
-    // caller must clear or load again.
+    // caller must clear or load again. The blocks already held take the new nodes first, so that
+    // loading over an object costs the copy of the bytes rather than a trip through the shared
+    // allocator's lock for every block.
+    const Vector<Node*> held(blocks_);
+    blocks_.clear();
     doClear();
+    unsigned int reused = 0;
+    auto fail = [this, &held, &reused]() {
+        for (; reused < held.size(); ++reused) {
+            nodeAllocator_->deallocate(held[reused]);
+        }
+        doClear();
+        return false;
+    };
     if (!readWord(input, root_, logger)) {
         ORV_LOG_ERROR(logger, error::invalidArgument,
             "Unable to load dynamic object blob, can't read the expected root property.");
-        doClear();
-        return false;
+        return fail();
     }
     if (!readWord(input, lastBlockUsed_, logger)) {
         ORV_LOG_ERROR(logger, error::invalidArgument,
             "Unable to load dynamic object blob, can't read the expected free node index.");
-        doClear();
-        return false;
+        return fail();
     }
     if (!readWord(input, firstFreeNode_, logger)) {
         ORV_LOG_ERROR(logger, error::invalidArgument,
             "Unable to load dynamic object blob, can't read the expected free node list.");
-        doClear();
-        return false;
+        return fail();
     }
     const unsigned int blockBytes = blockSize * static_cast<unsigned int>(sizeof(Node));
     for (unsigned int block = 0; block < blockCount; ++block) {
-        Node* nodes = nodeAllocator_->allocate();
+        const bool isHeld = reused < held.size();
+        Node* nodes = isHeld ? held[reused] : nodeAllocator_->allocate();
         if (nodes == nullptr || !readExactly(input, reinterpret_cast<char*>(nodes), blockBytes, logger)) {
             ORV_LOG_ERROR(logger, error::invalidArgument,
                 "Unable to load dynamic object blob, can't read the expected block #" << block << ".");
-            if (nodes != nullptr) {
+            if (nodes != nullptr && !isHeld) {
                 nodeAllocator_->deallocate(nodes);
             }
-            doClear();
-            return false;
+            return fail();
         }
+        reused += isHeld ? 1 : 0;
         blocks_.push_back(nodes);
+    }
+    for (; reused < held.size(); ++reused) {
+        nodeAllocator_->deallocate(held[reused]);
     }
     return true;
 }

@@ -90,6 +90,11 @@ TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
     // Both objects take the next free node from the same list.
     EXPECT_EQ(loaded.addProperty("new"), source.addProperty("new"));
 
+    // A load over a larger object gives its surplus blocks back.
+    ASSERT_TRUE(load(loaded, fresh, nullptr));
+    EXPECT_TRUE(loaded.empty());
+    EXPECT_EQ(save(loaded), fresh);
+
     // Without the table that knows the hash, the text is lost.
     DynamicObject stranger;
     ASSERT_TRUE(load(stranger, blob, nullptr));
@@ -154,13 +159,18 @@ TEST(DynamicObjectBlob, ACutBlobFailsAtItsCutAndLeavesNoNodes)
         } else {
             expected = prefix + "block #" + std::to_string((cut - 24) / blockBytes) + ".";
         }
+        // Targets with fewer and with as many blocks as the blob.
         DynamicObject object;
         object.setInt("kept", 3);
+        if (cut % 2 != 0) {
+            fill(object);
+        }
+        const std::string before = dump(object);
         RecordingLogger logger;
         ASSERT_FALSE(load(object, blob.substr(0, cut), &logger)) << cut;
         ASSERT_EQ(logger.lines, Texts { expected }) << cut;
         if (cut < 12) {
-            ASSERT_EQ(dump(object), R"({"kept":3})") << cut;
+            ASSERT_EQ(dump(object), before) << cut;
             continue;
         }
         // No blocks are left: the object saves as a header alone.
