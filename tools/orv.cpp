@@ -1,5 +1,7 @@
 // The orv command: a front door to the library for people at a terminal.
 
+#include "Convert.h"
+
 #include <orv/utils/Facilities.h>
 #include <orv/utils/OstreamLogger.h>
 #include <orv/utils/Platforms.h>
@@ -20,6 +22,7 @@ const char* const usage =
     "\n"
     "commands:\n"
     "  info        initialize the library and print its version, platform and facilities\n"
+    "  convert     convert a dynamic object between JSON and Protocol Buffers text\n"
     "\n"
     "options:\n"
     "  -h, --help     show this help and exit\n"
@@ -70,6 +73,9 @@ int main(int argc, char** argv)
     }
     if (std::strcmp(command, "info") == 0) {
         return runInfo();
+    }
+    if (std::strcmp(command, "convert") == 0) {
+        return orv::tools::runConvert(argc - 2, argv + 2);
     }
     std::cerr << "orv: unknown command '" << command << "'\n\n" << usage;
     return 2;
