@@ -1,5 +1,7 @@
 #include <orv/utils/JsonSerializer.h>
 
+#include <orv/utils/impl/YajlAllocation.h>
+
 #include <orv/utils/DynamicObject.h>
 
 #include <orv/allocator/Allocator.h>
@@ -27,39 +29,6 @@ struct JsonSerializerContext {
 } // namespace impl
 
 namespace {
-
-// The generator's memory comes from the library allocator. A reallocation needs the old size
-// for its copy, so each block carries its size ahead of the pointer given out.
-constexpr std::size_t blockHeader = alignof(std::max_align_t);
-
-void* allocateBlock(void*, std::size_t size)
-{
-    void* memory = allocator::Allocator::instance().allocate(size + blockHeader, __FILE__, __LINE__);
-    if (memory == nullptr) {
-        return nullptr;
-    }
-    *static_cast<std::size_t*>(memory) = size;
-    return static_cast<char*>(memory) + blockHeader;
-}
-
-void releaseBlock(void*, void* pointer)
-{
-    if (pointer != nullptr) {
-        allocator::Allocator::instance().deallocate(static_cast<char*>(pointer) - blockHeader);
-    }
-}
-
-void* reallocateBlock(void* context, void* pointer, std::size_t size)
-{
-    void* block = allocateBlock(context, size);
-    if (block == nullptr || pointer == nullptr) {
-        return block;
-    }
-    const std::size_t oldSize = *reinterpret_cast<std::size_t*>(static_cast<char*>(pointer) - blockHeader);
-    std::memcpy(block, pointer, oldSize < size ? oldSize : size);
-    releaseBlock(context, pointer);
-    return block;
-}
 
 void printToOutput(void* ctx, const char* text, std::size_t length)
 {
@@ -151,7 +120,7 @@ bool JsonSerializer::begin()
         ORV_LOG_ERROR(logger_, error::invalidOperation, "The Json building has already begun");
         return false;
     }
-    static const yajl_alloc_funcs allocation = { &allocateBlock, &reallocateBlock, &releaseBlock, nullptr };
+    yajl_alloc_funcs allocation = impl::getYajlAllocationFunctions();
     yajl_gen generator = context_.get() != nullptr ? yajl_gen_alloc(&allocation) : nullptr;
     if (generator == nullptr) {
         ORV_LOG_ERROR(logger_, error::invalidOperation, "Unable to instanciate YAJL Json generator.");
