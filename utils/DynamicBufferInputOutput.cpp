@@ -1,5 +1,8 @@
 #include <orv/utils/DynamicBufferInputOutput.h>
 
+#include <orv/allocator/Allocator.h>
+#include <orv/utils/details/Logging.h>
+
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -8,14 +11,22 @@ namespace orv {
 namespace utils {
 
 DynamicBufferInputOutput::DynamicBufferInputOutput(const char* description)
-    : position_(0)
+    : bytes_(nullptr)
+    , size_(0)
+    , capacity_(0)
+    , position_(0)
     , description_(description != nullptr ? description : "")
 {
 }
 
+DynamicBufferInputOutput::~DynamicBufferInputOutput()
+{
+    allocator::Allocator::instance().deallocate(bytes_, capacity_);
+}
+
 void DynamicBufferInputOutput::clear()
 {
-    bytes_.clear();
+    size_ = 0;
     position_ = 0;
 }
 
@@ -29,28 +40,39 @@ bool DynamicBufferInputOutput::isWritable() const
     return true;
 }
 
-bool DynamicBufferInputOutput::write(const char* buffer, unsigned int size, AbstractLogger*)
+bool DynamicBufferInputOutput::write(const char* buffer, unsigned int size, AbstractLogger* logger)
 {
-    const std::size_t stored = bytes_.size();
     constexpr std::size_t largest = std::numeric_limits<unsigned int>::max();
-    if (size > largest - stored) {
+    if (size > largest - size_) {
         throw std::length_error("vector<T> too long");
     }
-    const std::size_t required = stored + size;
-    const std::size_t capacity = bytes_.capacity();
-    if (required > capacity) {
+    const std::size_t required = static_cast<std::size_t>(size_) + size;
+    if (required > capacity_) {
         // Grow by half, as writers of many small pieces (the JSON writer) expect; a large piece
         // takes exactly what it needs.
-        std::size_t grown = capacity + capacity / 2;
+        std::size_t grown = static_cast<std::size_t>(capacity_) + capacity_ / 2;
         if (grown < required) {
             grown = required;
         }
         if (grown > largest) {
             grown = largest;
         }
-        bytes_.reserve(grown);
+        char* larger = static_cast<char*>(allocator::Allocator::instance().allocate(grown, __FILE__, __LINE__));
+        if (larger == nullptr) {
+            ORV_LOG_ERROR(logger, error::badAllocation, "Unable to allocate " << grown << " bytes for the buffer.");
+            return false;
+        }
+        if (size_ != 0) {
+            std::memcpy(larger, bytes_, size_);
+        }
+        allocator::Allocator::instance().deallocate(bytes_, capacity_);
+        bytes_ = larger;
+        capacity_ = static_cast<unsigned int>(grown);
     }
-    bytes_.insert(bytes_.end(), buffer, buffer + size);
+    if (size != 0) {
+        std::memcpy(bytes_ + size_, buffer, size);
+    }
+    size_ += size;
     return true;
 }
 
@@ -70,12 +92,12 @@ bool DynamicBufferInputOutput::read(char* buffer, unsigned int& size, AbstractLo
 
 bool DynamicBufferInputOutput::peekRead(char* buffer, unsigned int& size, AbstractLogger*)
 {
-    const unsigned int available = static_cast<unsigned int>(bytes_.size()) - position_;
+    const unsigned int available = size_ - position_;
     if (available < size) {
         size = available;
     }
     if (size != 0) {
-        std::memcpy(buffer, bytes_.data() + position_, size);
+        std::memcpy(buffer, bytes_ + position_, size);
     }
     return true;
 }

@@ -12,12 +12,13 @@ namespace utils {
 class ORV_UTILS_API DynamicBufferInputOutput : public AbstractDataInputOutput {
 public:
     explicit DynamicBufferInputOutput(const char* description);
+    ~DynamicBufferInputOutput() override;
 
     /// The first stored byte, consumed or not; null until a byte has ever been written.
-    const char* data() const { return bytes_.data(); }
+    const char* data() const { return bytes_; }
     /// Every stored byte, consumed or not; not the amount left to read.
-    unsigned int size() const { return static_cast<unsigned int>(bytes_.size()); }
-    bool empty() const { return bytes_.empty(); }
+    unsigned int size() const { return size_; }
+    bool empty() const { return size_ == 0; }
     /// Drops the bytes but keeps the memory, and reads from the start again.
     void clear();
 
@@ -29,8 +30,14 @@ public:
     bool read(char* buffer, unsigned int& size, AbstractLogger* logger) override;
     bool peekRead(char* buffer, unsigned int& size, AbstractLogger* logger) override;
 
+    DynamicBufferInputOutput(const DynamicBufferInputOutput&) = delete;
+    DynamicBufferInputOutput& operator=(const DynamicBufferInputOutput&) = delete;
+
 private:
-    Vector<char> bytes_;
+    // A plain block rather than a vector: appends are one copy, not a construction per byte.
+    char* bytes_;
+    unsigned int size_;
+    unsigned int capacity_;
     unsigned int position_;
     String description_;
 };
