@@ -3,6 +3,7 @@
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/details/Logging.h>
+#include <orv/utils/impl/ProtobufText.h>
 #include <orv/utils/impl/RandomTextFormat.h>
 
 #include "Random.pb.h"
@@ -92,7 +93,7 @@ bool deserializeRandom(const char* data, unsigned int size, Random& random, Abst
         size = 0;
     }
     proto::Random message;
-    if (!impl::parseRandomText(data, size, message)) {
+    if (!impl::parseProtobufText(data, size, message)) {
         ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a random stream: " << message.DebugString());
         return false;
     }

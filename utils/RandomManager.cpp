@@ -2,6 +2,7 @@
 
 #include <orv/utils/Assertion.h>
 #include <orv/utils/details/Logging.h>
+#include <orv/utils/impl/ProtobufText.h>
 #include <orv/utils/impl/RandomTextFormat.h>
 
 #include "Random.pb.h"
@@ -44,7 +45,7 @@ bool deserializeRandomManager(const char* data, unsigned int size, RandomManager
         size = 0;
     }
     proto::RandomManager message;
-    if (!impl::parseRandomText(data, size, message)) {
+    if (!impl::parseProtobufText(data, size, message)) {
         ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a random manager: " << message.DebugString());
         return false;
     }

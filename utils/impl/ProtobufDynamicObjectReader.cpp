@@ -2,25 +2,15 @@
 
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/details/Logging.h>
+#include <orv/utils/impl/ProtobufText.h>
 
 #include "DynamicObject.pb.h"
 
-#include <google/protobuf/io/tokenizer.h>
-#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
-#include <google/protobuf/text_format.h>
 
 namespace orv {
 namespace utils {
 namespace impl {
 namespace {
-
-// The parser's own collector writes to the process's error stream; the failure goes to the
-// builder's logger instead.
-class SilentErrorCollector : public google::protobuf::io::ErrorCollector {
-public:
-    void AddError(int, google::protobuf::io::ColumnNumber, const std::string&) override {}
-    void AddWarning(int, google::protobuf::io::ColumnNumber, const std::string&) override {}
-};
 
 bool walkProperty(const proto::Property& property, AbstractObjectBuilder& builder)
 {
@@ -87,11 +77,7 @@ bool readProtobufDynamicObject(const char* data, unsigned int size, AbstractObje
 {
     AbstractLogger* logger = builder.getLogger();
     proto::DynamicObject message;
-    google::protobuf::io::ArrayInputStream input(data, static_cast<int>(size));
-    SilentErrorCollector errors;
-    google::protobuf::TextFormat::Parser parser;
-    parser.RecordErrorsTo(&errors);
-    if (!parser.Parse(&input, &message)) {
+    if (!parseProtobufText(data, size, message)) {
         ORV_LOG_ERROR(logger, error::invalidData, "Unable to deserialize a dynamic object: " << message.DebugString());
         return false;
     }

@@ -2,7 +2,7 @@
 #define ORV_UTILS_IMPL_RANDOMTEXTFORMAT_H
 
 // What the stored forms of random streams and of their manager share: the format's version, and
-// the trip from a message to a text buffer and back.
+// the trip from a message to a text buffer.
 
 #include <string>
 
@@ -26,13 +26,6 @@ namespace impl {
 constexpr unsigned int randomFormatMajor = 0;
 constexpr unsigned int randomFormatMinor = 4;
 constexpr unsigned int randomFormatPatch = 0;
-
-/// Prints `message` in the text format. False when printing fails.
-bool printRandomText(const google::protobuf::Message& message, std::string& text);
-
-/// Parses `size` bytes of text into `message`. Parse errors are not printed anywhere: the caller
-/// reports the failure to its logger.
-bool parseRandomText(const char* data, unsigned int size, google::protobuf::Message& message);
 
 /// Copies `text` into a buffer of the array allocation form and sets `size`. Null, with `size`
 /// untouched, when memory runs out.
