@@ -1,6 +1,7 @@
 #ifndef ORV_UTILS_DYNAMICOBJECTSERIALIZATION_H
 #define ORV_UTILS_DYNAMICOBJECTSERIALIZATION_H
 
+#include <orv/utils/SerializedBuffer.h>
 #include <orv/utils/Export.h>
 
 namespace orv {
@@ -20,7 +21,7 @@ ORV_UTILS_API bool serializeDynamicObjectToProtobuf(const DynamicObject& object,
 
 /// The text of `object`, null on failure. The text has no terminating zero: `size` gives its
 /// length, and is left alone on failure. The buffer comes from the library allocator with its size
-/// in one word ahead of the returned pointer; the caller releases it with details::releaseArray.
+/// in one word ahead of the returned pointer; the caller releases it with freeSerializedBuffer.
 ORV_UTILS_API char* serializeDynamicObject(unsigned int& size, const DynamicObject& object, AbstractLogger* logger);
 
 /// Reads the text into the root of `object`. Any file of the same major version is accepted; a

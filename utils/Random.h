@@ -1,6 +1,7 @@
 #ifndef ORV_UTILS_RANDOM_H
 #define ORV_UTILS_RANDOM_H
 
+#include <orv/utils/SerializedBuffer.h>
 #include <orv/utils/details/SfmtGenerator.h>
 
 namespace orv {
@@ -11,7 +12,7 @@ class Random;
 
 /// Text of the stream's seed and place; null on failure. The text has no terminating zero:
 /// `size` gives its length. The buffer comes from the library allocator with its size in one
-/// word ahead of the returned pointer; the caller releases it with details::releaseArray.
+/// word ahead of the returned pointer; the caller releases it with freeSerializedBuffer.
 ORV_UTILS_API char* serializeRandom(unsigned int& size, const Random& random, AbstractLogger* logger);
 /// Replaces `random` by the stream in the text; on failure `random` is left as it was.
 ORV_UTILS_API bool deserializeRandom(const char* data, unsigned int size, Random& random, AbstractLogger* logger);

@@ -1,6 +1,7 @@
 #ifndef ORV_UTILS_RANDOMMANAGER_H
 #define ORV_UTILS_RANDOMMANAGER_H
 
+#include <orv/utils/SerializedBuffer.h>
 #include <orv/utils/Random.h>
 
 namespace orv {
@@ -11,7 +12,7 @@ class RandomManager;
 
 /// Text of the manager's master seed; null on failure. The text has no terminating zero: `size`
 /// gives its length. The buffer comes from the library allocator with its size in one word ahead
-/// of the returned pointer; the caller releases it with details::releaseArray.
+/// of the returned pointer; the caller releases it with freeSerializedBuffer.
 ORV_UTILS_API char* serializeRandomManager(unsigned int& size, const RandomManager& manager, AbstractLogger* logger);
 /// Sets the master seed from the text; on failure the manager is left as it was.
 ORV_UTILS_API bool deserializeRandomManager(const char* data, unsigned int size, RandomManager& manager,
