@@ -60,71 +60,11 @@ bool RecordingBuilder::step(const std::string& token, Expect from, Expect to, bo
     return record(token, allowed);
 }
 
-bool RecordingBuilder::begin()
-{
-    return step("begin", Expect::begin, Expect::rootValue);
-}
-
-bool RecordingBuilder::end()
-{
-    return step("end", Expect::end, Expect::begin);
-}
-
-bool RecordingBuilder::null()
-{
-    return value("null");
-}
-
-bool RecordingBuilder::boolean(bool value)
-{
-    return this->value(value ? "bool(true)" : "bool(false)");
-}
-
-bool RecordingBuilder::integer(long long value)
-{
-    return this->value("int(" + std::to_string(value) + ")");
-}
-
 bool RecordingBuilder::real(double value)
 {
     char text[64];
     const std::to_chars_result result = std::to_chars(text, text + sizeof text, value);
     return this->value("real(" + std::string(text, result.ptr) + ")");
-}
-
-bool RecordingBuilder::string(const char* value, unsigned int size)
-{
-    return this->value("string(" + std::string(value, size) + ")");
-}
-
-bool RecordingBuilder::beginObject()
-{
-    return value("beginObject", Expect::key);
-}
-
-bool RecordingBuilder::objectChild(const char* key, unsigned int size)
-{
-    return step("child(" + std::string(key, size) + ")", Expect::key, Expect::objectValue);
-}
-
-bool RecordingBuilder::endObject()
-{
-    return step("endObject", Expect::key, Expect::key, true);
-}
-
-bool RecordingBuilder::beginArray()
-{
-    return value("beginArray", Expect::element);
-}
-
-bool RecordingBuilder::arrayChild()
-{
-    return step("child", Expect::element, Expect::arrayValue);
-}
-
-bool RecordingBuilder::endArray()
-{
-    return step("endArray", Expect::element, Expect::element, true);
 }
 
 } // namespace test

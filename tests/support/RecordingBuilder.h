@@ -33,21 +33,27 @@ public:
     /// everything else; an empty token turns this off.
     void refuseAt(const std::string& token) { refused_ = token; }
 
-    bool begin() override;
-    bool end() override;
-    bool null() override;
-    bool boolean(bool value) override;
-    bool integer(long long value) override;
+    bool begin() override { return step("begin", Expect::begin, Expect::rootValue); }
+    bool end() override { return step("end", Expect::end, Expect::begin); }
+    bool null() override { return value("null"); }
+    bool boolean(bool value) override { return this->value(value ? "bool(true)" : "bool(false)"); }
+    bool integer(long long value) override { return this->value("int(" + std::to_string(value) + ")"); }
     bool real(double value) override;
     using AbstractObjectBuilder::string;
-    bool string(const char* value, unsigned int size) override;
-    bool beginObject() override;
+    bool string(const char* value, unsigned int size) override
+    {
+        return this->value("string(" + std::string(value, size) + ")");
+    }
+    bool beginObject() override { return value("beginObject", Expect::key); }
     using AbstractObjectBuilder::objectChild;
-    bool objectChild(const char* key, unsigned int size) override;
-    bool endObject() override;
-    bool beginArray() override;
-    bool arrayChild() override;
-    bool endArray() override;
+    bool objectChild(const char* key, unsigned int size) override
+    {
+        return step("child(" + std::string(key, size) + ")", Expect::key, Expect::objectValue);
+    }
+    bool endObject() override { return step("endObject", Expect::key, Expect::key, true); }
+    bool beginArray() override { return value("beginArray", Expect::element); }
+    bool arrayChild() override { return step("child", Expect::element, Expect::arrayValue); }
+    bool endArray() override { return step("endArray", Expect::element, Expect::element, true); }
 
 private:
     enum class Expect { begin, rootValue, end, key, objectValue, element, arrayValue };

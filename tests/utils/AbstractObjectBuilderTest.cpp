@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 extern "C" const char* orv_test_sendDocumentFromC(orv_ObjectBuilder* builder);
 
@@ -21,7 +22,7 @@ TEST(AbstractObjectBuilder, RefusesWhatAConsumerDoesNotOverride)
     BareBuilder builder;
     EXPECT_TRUE(builder.begin());
     EXPECT_TRUE(builder.end());
-    EXPECT_FALSE(builder.integer(1));
+    EXPECT_FALSE(builder.integer(1)); // no logger: refused all the same
 
     RecordingLogger logger;
     builder.setLogger(&logger);
@@ -30,29 +31,21 @@ TEST(AbstractObjectBuilder, RefusesWhatAConsumerDoesNotOverride)
     EXPECT_FALSE(builder.string("text") || builder.string("text", 2));
     EXPECT_FALSE(builder.beginObject() || builder.objectChild("key") || builder.objectChild("key", 3));
     EXPECT_FALSE(builder.endObject() || builder.beginArray() || builder.arrayChild() || builder.endArray());
-    const std::string prefix = "error|invalid operation|";
-    const std::string objects = prefix + "Object properties not supported by this object builder.";
-    const std::string arrays = prefix + "Array properties not supported by this object builder.";
-    const std::string strings = prefix + "String properties not supported by this object builder.";
-    EXPECT_EQ(logger.lines,
-        (Texts { prefix + "Null properties not supported by this object builder.",
-            prefix + "Boolean properties not supported by this object builder.",
-            prefix + "Integer properties not supported by this object builder.",
-            prefix + "Real properties not supported by this object builder.", strings, strings, objects, objects,
-            objects, objects, arrays, arrays, arrays }));
+    Texts expected;
+    for (const auto& [kind, count] : { std::pair<const char*, int> { "Null", 1 }, { "Boolean", 1 }, { "Integer", 1 },
+             { "Real", 1 }, { "String", 2 }, { "Object", 4 }, { "Array", 3 } }) {
+        expected.insert(expected.end(), count,
+            std::string("error|invalid operation|") + kind + " properties not supported by this object builder.");
+    }
+    EXPECT_EQ(logger.lines, expected);
 }
 
 TEST(AbstractObjectBuilder, MeasuresZeroTerminatedTexts)
 {
     RecordingBuilder builder;
     utils::AbstractObjectBuilder& events = builder;
-    events.begin();
-    events.beginObject();
-    events.objectChild("key");
-    events.string("some text");
-    events.endObject();
-    events.end();
-    EXPECT_EQ(builder.line(), "begin beginObject child(key) string(some text) endObject end");
+    EXPECT_TRUE(events.begin() && events.beginObject() && events.objectChild("key") && events.string("some text"));
+    EXPECT_EQ(builder.line(), "begin beginObject child(key) string(some text)");
 
     AssertionCapture capture;
     EXPECT_FALSE(events.string(nullptr));
@@ -116,36 +109,23 @@ TEST(ObjectBuilderC, ACopysTableStillAddressesTheOriginal)
 
 TEST(RecordingBuilder, MarksEveryEventThatBreaksTheGrammar)
 {
-    RecordingBuilder builder;
-    builder.begin();
-    builder.beginArray();
-    builder.integer(1); // no arrayChild before the element
-    builder.arrayChild();
-    builder.arrayChild(); // two children without a value
-    builder.beginObject();
-    builder.integer(2); // a value where a key belongs
-    builder.objectChild("k");
-    builder.endObject(); // the key has no value
-    builder.string("v");
-    builder.endArray(); // the object is still open
-    builder.endObject();
-    builder.endArray();
-    builder.null(); // a second root value
-    builder.end();
-    builder.end(); // one end per document
-    EXPECT_EQ(builder.line(),
+    // In order: an element without arrayChild, two children without a value, a value where a key
+    // belongs, a key without value, an array closed over an open object, a second root, a second end.
+    RecordingBuilder b;
+    EXPECT_TRUE(b.begin() && b.beginArray() && b.integer(1) && b.arrayChild() && b.arrayChild() && b.beginObject()
+        && b.integer(2) && b.objectChild("k") && b.endObject() && b.string("v") && b.endArray() && b.endObject()
+        && b.endArray() && b.null() && b.end() && b.end());
+    EXPECT_EQ(b.line(),
         "begin beginArray !int(1) child !child beginObject !int(2) child(k) !endObject string(v) "
         "!endArray endObject endArray !null end !end");
-    EXPECT_FALSE(builder.isComplete());
+    EXPECT_FALSE(b.isComplete());
 
-    builder.clear();
-    builder.begin();
-    builder.real(-0.1);
-    builder.end();
-    EXPECT_TRUE(builder.isComplete());
-    builder.begin();
-    EXPECT_FALSE(builder.isComplete()) << "a document that has begun is not complete";
-    EXPECT_EQ(builder.line(), "begin real(-0.1) end begin");
+    b.clear();
+    EXPECT_TRUE(b.begin() && b.real(-0.1) && b.end());
+    EXPECT_TRUE(b.isComplete());
+    b.begin();
+    EXPECT_FALSE(b.isComplete()) << "a document that has begun is not complete";
+    EXPECT_EQ(b.line(), "begin real(-0.1) end begin");
 }
 
 } // namespace

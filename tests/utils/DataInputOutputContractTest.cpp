@@ -88,31 +88,6 @@ struct CallbackStreamMaker {
     AbstractDataInputOutput& writtenForReading() { return *AbstractDataInputOutput::fromCstruct(io); }
 };
 
-std::string readAll(AbstractDataInputOutput& stream, unsigned int chunk)
-{
-    std::string result;
-    std::string buffer(chunk, '\0');
-    for (;;) {
-        unsigned int size = chunk;
-        EXPECT_TRUE(stream.read(&buffer[0], size, nullptr));
-        if (size == 0) {
-            return result;
-        }
-        EXPECT_LE(size, chunk);
-        result.append(buffer, 0, size);
-    }
-}
-
-/// Reads `size` bytes and gives what came, with the flag; the size given back is the length.
-std::string readSome(AbstractDataInputOutput& stream, unsigned int size, bool peek = false)
-{
-    std::string buffer(size, '#');
-    const bool result = peek ? stream.peekRead(&buffer[0], size, nullptr) : stream.read(&buffer[0], size, nullptr);
-    EXPECT_TRUE(result);
-    buffer.resize(size);
-    return buffer;
-}
-
 std::string noise(std::size_t size)
 {
     std::mt19937 generator(1234);
@@ -134,6 +109,7 @@ TYPED_TEST_SUITE(ReadableStreamContract, AllStreams);
 TYPED_TEST(ReadableStreamContract, AShortCountMeansTheEnd)
 {
     AbstractDataInputOutput& stream = this->maker_.readable("0123456789");
+    EXPECT_EQ(readSome(stream, 0), "");
     EXPECT_EQ(readSome(stream, 4), "0123");
     EXPECT_EQ(readSome(stream, 4), "4567");
     EXPECT_EQ(readSome(stream, 4), "89");
@@ -144,6 +120,7 @@ TYPED_TEST(ReadableStreamContract, AShortCountMeansTheEnd)
 TYPED_TEST(ReadableStreamContract, PeekReadConsumesNothing)
 {
     AbstractDataInputOutput& stream = this->maker_.readable("0123456789");
+    EXPECT_EQ(readSome(stream, 0, true), "");
     EXPECT_EQ(readSome(stream, 3, true), "012");
     EXPECT_EQ(readSome(stream, 3, true), "012");
     EXPECT_EQ(readSome(stream, 5), "01234");
@@ -152,14 +129,6 @@ TYPED_TEST(ReadableStreamContract, PeekReadConsumesNothing)
     EXPECT_EQ(readSome(stream, 20), "56789");
     EXPECT_EQ(readSome(stream, 20, true), "");
     EXPECT_EQ(readSome(stream, 20), "");
-}
-
-TYPED_TEST(ReadableStreamContract, ARequestForNothingTakesNothing)
-{
-    AbstractDataInputOutput& stream = this->maker_.readable("abc");
-    EXPECT_EQ(readSome(stream, 0), "");
-    EXPECT_EQ(readSome(stream, 0, true), "");
-    EXPECT_EQ(readSome(stream, 16), "abc");
 }
 
 TYPED_TEST(ReadableStreamContract, EveryByteArrivesOnceWhateverTheChunks)
@@ -203,7 +172,11 @@ TYPED_TEST(WritableStreamContract, WrittenBytesComeBackInOrder)
         expected += piece;
     }
     AbstractDataInputOutput& input = this->maker_.writtenForReading();
-    EXPECT_TRUE(readAll(input, 777) == expected) << "the bytes read differ from the bytes written";
+    std::string received;
+    for (std::string chunk; !(chunk = readSome(input, 777)).empty();) {
+        received += chunk;
+    }
+    EXPECT_TRUE(received == expected) << "the bytes read differ from the bytes written";
 }
 
 } // namespace

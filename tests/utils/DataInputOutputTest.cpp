@@ -1,9 +1,12 @@
-// The base stream and the C family: handles of any stream, streams made of C callbacks, and the
-// loggers that travel between the two sides.
+// The base stream, the memory streams, and the C family: handles of any stream, streams made of C
+// callbacks, and the loggers that travel between the two sides. The rules all streams share are in
+// the contract suite.
 
 #include "support/TestSupport.h"
+#include "utils/StreamTestSupport.h"
 
 #include <orv/utils/BufferInput.h>
+#include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/Errors.h>
 #include <orv/utils/FileInputOutput.h>
 
@@ -16,6 +19,7 @@ namespace test {
 namespace {
 
 using utils::AbstractDataInputOutput;
+using utils::BufferInput;
 
 /// Keeps the base class's look-ahead and description.
 class SilentStream : public AbstractDataInputOutput {
@@ -37,6 +41,47 @@ TEST(AbstractDataInputOutput, RefusesToPeekUnlessTheStreamCan)
     EXPECT_FALSE(stream.peekRead(buffer, size, nullptr));
     EXPECT_EQ(size, 8u);
     EXPECT_EQ(logger.lines, Texts { "error|invalid operation|'peekRead' operation is not supported by this data io." });
+}
+
+TEST(BufferInput, CountsWhatIsLeftAndRefusesWritingAndANullBuffer)
+{
+    BufferInput input("abcdefghij", 10);
+    EXPECT_EQ(readSome(input, 4), "abcd");
+    EXPECT_EQ(readSome(input, 4, true), "efgh");
+    EXPECT_EQ(input.getReadableDataSize(), 6u);
+    EXPECT_EQ(readSome(input, 8), "efghij");
+    EXPECT_EQ(input.getReadableDataSize(), 0u);
+    EXPECT_TRUE(input.isReadable());
+    EXPECT_FALSE(input.isWritable());
+
+    AssertionCapture capture;
+    RecordingLogger logger;
+    EXPECT_FALSE(input.write("x", 1, &logger));
+    EXPECT_TRUE(logger.lines.empty());
+    BufferInput nowhere(nullptr, 10);
+    EXPECT_EQ(readSome(nowhere, 4), "");
+    EXPECT_EQ(capture.texts(), (Texts { "'write' is not supported.", "buffer" }));
+}
+
+TEST(DynamicBufferInputOutput, KeepsConsumedBytesUntilCleared)
+{
+    utils::DynamicBufferInputOutput io("scratch");
+    EXPECT_EQ(io.data(), nullptr);
+    EXPECT_TRUE(io.empty());
+    EXPECT_STREQ(io.getDescription(), "scratch");
+
+    ASSERT_TRUE(io.write("abcde", 5, nullptr));
+    EXPECT_EQ(readSome(io, 3), "abc");
+    EXPECT_EQ(std::string(io.data(), io.size()), "abcde");
+    // Writing appends behind the read position and doesn't move it.
+    io.write("fg", 2, nullptr);
+    EXPECT_EQ(readSome(io, 10), "defg");
+
+    io.clear();
+    EXPECT_TRUE(io.empty());
+    EXPECT_EQ(readSome(io, 10), "");
+    io.write("xyz", 3, nullptr);
+    EXPECT_EQ(readSome(io, 10), "xyz");
 }
 
 TEST(DataInputOutputC, WorksFromAC99Host)
@@ -98,7 +143,7 @@ TEST(DataInputOutputC, MissingArgumentsAreBrokenContracts)
 
     capture.clear();
     const char bytes[] = "abc";
-    utils::BufferInput input(bytes, 3);
+    BufferInput input(bytes, 3);
     EXPECT_EQ(orv_DataInputOutput_read(&input, nullptr, &size, nullptr), 0);
     EXPECT_EQ(size, 0u);
     EXPECT_EQ(input.getReadableDataSize(), 3u);

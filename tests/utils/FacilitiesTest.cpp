@@ -2,7 +2,6 @@
 
 #include <orv/utils/Errors.h>
 #include <orv/utils/Facilities.h>
-#include <orv/utils/OstreamLogger.h>
 #include <orv/utils/Platforms.h>
 #include <orv/utils/RandomManager.h>
 #include <orv/utils/StringTable.h>
@@ -16,47 +15,45 @@ using orv::test::RecordingLogger;
 using orv::test::Texts;
 using namespace orv::utils;
 
-TEST(Facilities, SingletonGuardsItsInstanceAndTheLoggerCanBeSwapped)
+TEST(Facilities, GuardTheirInstanceAndOwnTheLoggerStringTableAndRandomManager)
 {
     ASSERT_FALSE(Facilities::isSet());
     {
         AssertionCapture capture;
         Facilities* missing = &Facilities::instance();
         (void)missing;
-        EXPECT_EQ(capture.texts(), (Texts{"accessing uninitialized singleton"}));
-        EXPECT_EQ(capture.files(), (Texts{"utils/Singleton.h"}));
+        EXPECT_EQ(capture.texts(), (Texts { "accessing uninitialized singleton" }));
+        EXPECT_EQ(capture.files(), (Texts { "utils/Singleton.h" }));
     }
 
     Facilities::create();
     ASSERT_TRUE(Facilities::isSet());
     AbstractLogger& standard = Facilities::instance().getLogger();
-    EXPECT_NE(dynamic_cast<OstreamLogger*>(&standard), nullptr);
     RecordingLogger mine;
     Facilities::instance().setLogger(mine);
     EXPECT_EQ(&Facilities::instance().getLogger(), &mine);
     Facilities::instance().clearLogger();
     EXPECT_EQ(&Facilities::instance().getLogger(), &standard);
+
+    // The default logger sends errors to the error stream and the rest to the output.
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    standard.logInfo("i", 1, "to out");
+    standard.logTrace("t", 2, "to out as well");
+    standard.logError(error::invalidData, "e", 3, "to err");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "i(1): [info] to out\nt(2): [trace] to out as well\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "e(3): [invalid data] to err\n");
     EXPECT_TRUE(mine.lines.empty());
+
+    // The string table is seeded with 7687: the reference hash of "a" under that seed.
+    StringTable& table = Facilities::instance().getStringTable();
+    EXPECT_EQ(table.hash("a", nullptr), 0x700eac21b70a5322ULL);
+    EXPECT_STREQ(table.retrieve(table.add("shared text", nullptr), nullptr), "shared text");
+    EXPECT_EQ(Facilities::instance().getRandomNumberGenerator().getSeed(), 0x0FFFF000u);
 
     Facilities::destroy();
     EXPECT_FALSE(Facilities::isSet());
     Facilities::destroy();
-}
-
-TEST(Facilities, DefaultLoggerSendsErrorsToTheErrorStreamAndTheRestToTheOutput)
-{
-    Facilities::create();
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    AbstractLogger& logger = Facilities::instance().getLogger();
-    logger.logInfo("i", 1, "to out");
-    logger.logTrace("t", 2, "to out as well");
-    logger.logError(error::invalidData, "e", 3, "to err");
-    const std::string out = testing::internal::GetCapturedStdout();
-    const std::string err = testing::internal::GetCapturedStderr();
-    Facilities::destroy();
-    EXPECT_EQ(out, "i(1): [info] to out\nt(2): [trace] to out as well\n");
-    EXPECT_EQ(err, "e(3): [invalid data] to err\n");
 }
 
 namespace {
@@ -104,16 +101,4 @@ TEST(Platforms, NamesTheTableAndRefusesOtherValues)
     AssertionCapture capture;
     EXPECT_EQ(orv_utils_platform_toString(2), nullptr);
     EXPECT_EQ(capture.texts(), (Texts{"Unknown platform"}));
-}
-
-TEST(Facilities, OwnTheProcessWideStringTableAndRandomManager)
-{
-    Facilities::create();
-    StringTable& table = Facilities::instance().getStringTable();
-    // Seeded with 7687: the reference hash of "a" under that seed.
-    EXPECT_EQ(table.hash("a", nullptr), 0x700eac21b70a5322ULL);
-    const unsigned long long hash = table.add("shared text", nullptr);
-    EXPECT_STREQ(table.retrieve(hash, nullptr), "shared text");
-    EXPECT_EQ(Facilities::instance().getRandomNumberGenerator().getSeed(), 0x0FFFF000u);
-    Facilities::destroy();
 }

@@ -26,69 +26,54 @@ std::vector<unsigned long long> keysInArrayOrder(const HashTable<int>& table)
 
 } // namespace
 
-TEST(HashTable, GrowsAtSevenTenthsAndKeepsInsertionOrder)
+TEST(HashTable, GrowsAtSevenTenthsKeepsInsertionOrderAndEraseMovesTheLastEntryIntoTheHole)
 {
     HashTable<int> table;
     EXPECT_EQ(table.getBucketCount(), 0u);
     EXPECT_EQ(table.find(5).bucket, invalidIndex);
     EXPECT_FALSE(table.find(5).found());
+    table.erase(5); // absent: nothing happens
 
-    table.add(100, 0);
-    EXPECT_EQ(table.getBucketCount(), 10u);
-    for (int i = 1; i < 6; ++i) {
+    for (int i = 0; i < 6; ++i) {
         table.add(100 + i, i);
+        EXPECT_EQ(table.getBucketCount(), 10u);
     }
-    EXPECT_EQ(table.getBucketCount(), 10u);
     table.add(106, 6); // 7 / 10 computed in single precision is exactly the limit
     EXPECT_EQ(table.getBucketCount(), 24u);
-
     table.add(103, 33); // an overwrite: no new entry, the old value is replaced in place
-    EXPECT_EQ(table.size(), 7u);
     EXPECT_EQ(table.at(103), 33);
-    EXPECT_EQ(keysInArrayOrder(table), (std::vector<unsigned long long>{100, 101, 102, 103, 104, 105, 106}));
+    EXPECT_EQ(keysInArrayOrder(table), (std::vector<unsigned long long> { 100, 101, 102, 103, 104, 105, 106 }));
+
+    // The array stays dense: the last entry fills the hole.
+    table.erase(101);
+    EXPECT_EQ(keysInArrayOrder(table), (std::vector<unsigned long long> { 100, 106, 102, 103, 104, 105 }));
+    EXPECT_EQ(table.at(106), 6);
+    table.erase(105);
+    EXPECT_EQ(keysInArrayOrder(table), (std::vector<unsigned long long> { 100, 106, 102, 103, 104 }));
+    EXPECT_FALSE(table.find(101).found());
+    EXPECT_EQ(table.getBucketCount(), 24u);
 }
 
 TEST(HashTable, ChainsKeysOfOneBucketInInsertionOrderAndComparesAll64Bits)
 {
     HashTable<int> table(16);
-    const unsigned long long low = 7, high = (1ull << 32) | 7, other = 23; // all in bucket 7
-    table.add(high, 1);
-    table.add(low, 2);
-    table.add(other, 3);
+    const unsigned long long keys[] = { (1ull << 32) | 7, 7, 23 }; // all in bucket 7
+    for (int i = 0; i < 3; ++i) {
+        table.add(keys[i], i);
+    }
     EXPECT_EQ(table.getBucketCount(), 16u);
-
-    const HashTable<int>::Position first = table.find(high), second = table.find(low), third = table.find(other);
-    EXPECT_EQ(first.bucket, 7u);
-    EXPECT_EQ(first.previous, invalidIndex);
-    EXPECT_EQ(second.previous, first.index);
-    EXPECT_EQ(third.previous, second.index);
-    EXPECT_EQ(table.at(high), 1);
-    EXPECT_EQ(table.at(low), 2);
-    EXPECT_EQ(table.at(other), 3);
-
+    unsigned int previous = invalidIndex;
+    for (int i = 0; i < 3; ++i) {
+        const HashTable<int>::Position position = table.find(keys[i]);
+        EXPECT_EQ(position.bucket, 7u);
+        EXPECT_EQ(position.previous, previous);
+        EXPECT_EQ(table.at(keys[i]), i);
+        previous = position.index;
+    }
     const HashTable<int>::Position missing = table.find(39);
     EXPECT_EQ(missing.bucket, 7u);
     EXPECT_EQ(missing.index, invalidIndex);
     EXPECT_EQ(missing.previous, invalidIndex);
-}
-
-TEST(HashTable, EraseMovesTheLastEntryIntoTheHole)
-{
-    HashTable<int> table;
-    table.add(1, 10);
-    table.erase(1);
-    EXPECT_EQ(table.size(), 0u);
-    EXPECT_EQ(table.getBucketCount(), 10u);
-    EXPECT_FALSE(table.find(1).found());
-    table.erase(1); // absent: nothing happens
-
-    table.add(1, 10);
-    table.add(2, 20);
-    table.add(3, 30);
-    table.erase(1);
-    EXPECT_EQ(keysInArrayOrder(table), (std::vector<unsigned long long>{3, 2}));
-    EXPECT_EQ(table.at(3), 30);
-    EXPECT_EQ(table.at(2), 20);
 }
 
 // Erase relinks chains through the bucket or a predecessor and redirects the link of the moved

@@ -23,18 +23,14 @@ TEST(OstreamLogger, WritesOneLinePerLevelToItsStreamAndNullStreamsSwitchLevelsOf
 {
     std::ostringstream errors, warnings, infos;
     OstreamLogger logger(&errors, &warnings, &infos, nullptr);
-    EXPECT_TRUE(logger.isLoggingWarning());
-    EXPECT_TRUE(logger.isLoggingInfo());
+    EXPECT_TRUE(logger.isLoggingWarning() && logger.isLoggingInfo());
     EXPECT_FALSE(logger.isLoggingTrace());
-
     logger.logTrace("t.cpp", 1, "dropped");
     logger.logInfo("i.cpp", 2, "an info");
     logger.logWarning("w.cpp", 3, "a warning");
     logger.logError(error::invalidData, "e.cpp", 4, "an error");
-
-    EXPECT_EQ(infos.str(), "i.cpp(2): [info] an info\n");
-    EXPECT_EQ(warnings.str(), "w.cpp(3): [warning] a warning\n");
-    EXPECT_EQ(errors.str(), "e.cpp(4): [invalid data] an error\n");
+    EXPECT_EQ(infos.str() + warnings.str() + errors.str(),
+        "i.cpp(2): [info] an info\nw.cpp(3): [warning] a warning\ne.cpp(4): [invalid data] an error\n");
     EXPECT_TRUE(logger.hasErrors());
     logger.resetErrors();
     EXPECT_FALSE(logger.hasErrors());
@@ -88,10 +84,9 @@ TEST(BufferLogger, KeepsMessagesAndReplaysThemThroughTheTargetsOwnSwitches)
     const BufferLogger copy(buffer);
     EXPECT_TRUE(copy.hasErrors());
     EXPECT_EQ(copy.getMessages().size(), 4u);
-
     RecordingLogger target(true, false, true);
     buffer.flush(target);
-    EXPECT_EQ(target.lines, (Texts{"trace||trace", "warning||warning", "error|file not found|error"}));
+    EXPECT_EQ(target.lines, (Texts { "trace||trace", "warning||warning", "error|file not found|error" }));
     EXPECT_TRUE(target.hasErrors());
     EXPECT_FALSE(buffer.hasErrors());
     EXPECT_TRUE(buffer.getMessages().empty());
@@ -155,9 +150,7 @@ TEST(LoggerCWrapper, ForwardsToACRecordAndLogsNothingAroundNull)
     EXPECT_FALSE(logger.isLoggingInfo());
 
     LoggerCWrapper nothing(nullptr);
-    EXPECT_FALSE(nothing.isLoggingInfo());
-    EXPECT_FALSE(nothing.isLoggingWarning());
-    EXPECT_FALSE(nothing.isLoggingTrace());
+    EXPECT_FALSE(nothing.isLoggingInfo() || nothing.isLoggingWarning() || nothing.isLoggingTrace());
     nothing.logError(error::invalidData, "f", 1, "discarded");
     EXPECT_TRUE(nothing.hasErrors());
 }

@@ -1,9 +1,8 @@
 #include "support/TestSupport.h"
 
-#include <orv/utils/Errors.h>
 #include <orv/utils/Random.h>
 #include <orv/utils/RandomManager.h>
-#include <orv/utils/details/ArrayAllocation.h>
+#include <orv/utils/SerializedBuffer.h>
 #include <orv/utils/details/SfmtGenerator.h>
 #include <orv/utils/details/SfmtRecursion.h>
 
@@ -28,8 +27,7 @@ const Words& referenceWords()
     static const Words words = [] {
         Words result;
         std::ifstream file(orv::test::testDataPath("sfmt19937-key1234.txt"));
-        unsigned long value = 0;
-        while (file >> value) {
+        for (unsigned long value = 0; file >> value;) {
             result.push_back(static_cast<unsigned int>(value));
         }
         return result;
@@ -46,33 +44,50 @@ Words draw(Random& random, unsigned int count)
     return result;
 }
 
-Words referenceSlice(std::size_t first, std::size_t count)
+Words drawFresh(unsigned int seed, unsigned int count)
 {
-    const Words& words = referenceWords();
-    return Words(words.begin() + static_cast<long>(first), words.begin() + static_cast<long>(first + count));
+    Random random(seed);
+    return draw(random, count);
 }
 
-// Takes the serialized text, releases the library buffer and gives the text back.
-std::string takeText(char* buffer, unsigned int size)
+Words referenceSlice(std::size_t first, std::size_t count)
 {
+    return Words(referenceWords().begin() + static_cast<long>(first),
+        referenceWords().begin() + static_cast<long>(first + count));
+}
+
+// The text a stream or manager saves; the library buffer carries its size ahead and is released here.
+template <typename T> std::string serialize(const T& value, char* (*save)(unsigned int&, const T&, AbstractLogger*))
+{
+    unsigned int size = 0;
+    char* buffer = save(size, value, nullptr);
+    EXPECT_NE(buffer, nullptr);
+    if (buffer == nullptr) {
+        return std::string();
+    }
+    EXPECT_EQ(getSerializedBufferSize(buffer), size);
     std::string text(buffer, size);
-    EXPECT_EQ(details::getArrayByteCount(buffer), size);
-    details::releaseArray(buffer);
+    freeSerializedBuffer(buffer);
     return text;
 }
 
-std::string serialize(const Random& random)
+template <typename T>
+bool deserialize(const std::string& text, T& value, AbstractLogger* logger,
+    bool (*load)(const char*, unsigned int, T&, AbstractLogger*))
 {
-    unsigned int size = 0;
-    char* buffer = serializeRandom(size, random, nullptr);
-    EXPECT_NE(buffer, nullptr);
-    return buffer == nullptr ? std::string() : takeText(buffer, size);
+    return load(text.data(), static_cast<unsigned int>(text.size()), value, logger);
 }
 
-std::string streamText(const char* count, const char* seed = "1234")
+const std::string versionText = "version {\n  major: 0\n  minor: 4\n  patch: 0\n}\n";
+
+std::string streamText(unsigned int count, unsigned int seed = 1234)
 {
-    return std::string("version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nrandom {\n  seed: ") + seed +
-           "\n  count: " + count + "\n}\n";
+    return versionText + "random {\n  seed: " + std::to_string(seed) + "\n  count: " + std::to_string(count) + "\n}\n";
+}
+
+std::string managerText(const char* seed)
+{
+    return versionText + "randomManager {\n  seed: " + seed + "\n}\n";
 }
 
 } // namespace
@@ -93,7 +108,7 @@ TEST(Random, GivesTheReferenceWordsOfTheKey1234)
 TEST(Random, CopiesGoOnIndependentlyFromTheSamePlace)
 {
     // Copies of a stream that is not seeded yet, in the middle of a block and at its end.
-    for (unsigned int drawn : {0u, 300u, 624u}) {
+    for (unsigned int drawn : { 0u, 300u, 624u }) {
         Random original(1234);
         draw(original, drawn);
         Random copy(original);
@@ -117,8 +132,7 @@ TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
     Random random(1234);
     std::size_t next = 0;
     for (unsigned int bits = 1; bits < 32; ++bits) {
-        const unsigned int maximum = (1u << bits) - 1;
-        EXPECT_EQ(random(maximum), words[next++] >> (32 - bits)) << bits;
+        EXPECT_EQ(random((1u << bits) - 1), words[next++] >> (32 - bits)) << bits;
     }
     EXPECT_EQ(random(0xFFFFFFFFu), words[next++]);
 
@@ -143,8 +157,7 @@ TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
     for (std::size_t i = 0; i < 50; ++i) {
         const unsigned int low = ascending(3, 9);
         EXPECT_EQ(descending(9, 3), low);
-        EXPECT_GE(low, 3u);
-        EXPECT_LE(low, 9u);
+        EXPECT_TRUE(low >= 3u && low <= 9u) << low;
     }
     EXPECT_EQ(ascending(), descending());
     Random offset(1234);
@@ -154,32 +167,29 @@ TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
 
 TEST(Random, RestoresAtEveryPlaceFromItsText)
 {
-    Random fresh(1234);
-    EXPECT_EQ(serialize(fresh), streamText("0"));
-
-    for (unsigned int count : {0u, 1u, 2u, 623u, 624u, 625u, 1247u, 1248u, 1249u, 2000u}) {
+    for (unsigned int count : { 0u, 1u, 2u, 623u, 624u, 625u, 1247u, 1248u, 1249u, 2000u }) {
         Random original(1234);
         draw(original, count);
-        const std::string text = serialize(original);
-        EXPECT_EQ(text, streamText(std::to_string(count).c_str())) << count;
+        const std::string text = serialize(original, serializeRandom);
+        EXPECT_EQ(text, streamText(count)) << count;
 
         Random restored(7);
         draw(restored, 1000);
         RecordingLogger logger;
-        ASSERT_TRUE(deserializeRandom(text.data(), static_cast<unsigned int>(text.size()), restored, &logger));
+        ASSERT_TRUE(deserialize(text, restored, &logger, deserializeRandom));
         EXPECT_TRUE(logger.lines.empty());
         EXPECT_EQ(draw(restored, 400), referenceSlice(count, 400)) << count;
-        EXPECT_EQ(serialize(restored), streamText(std::to_string(count + 400).c_str()));
+        EXPECT_EQ(serialize(restored, serializeRandom), streamText(count + 400));
     }
 
     // The stored seed of a derived stream is its own, so no manager is needed to restore it.
     RandomManager manager;
     Random derived = manager.createRandomStream(3);
     draw(derived, 5);
-    const std::string text = serialize(derived);
-    EXPECT_EQ(text, streamText("5", std::to_string(0x0FFFF000u ^ 3u).c_str()));
+    const std::string text = serialize(derived, serializeRandom);
+    EXPECT_EQ(text, streamText(5, 0x0FFFF000u ^ 3u));
     Random restored(0);
-    ASSERT_TRUE(deserializeRandom(text.data(), static_cast<unsigned int>(text.size()), restored, nullptr));
+    ASSERT_TRUE(deserialize(text, restored, nullptr, deserializeRandom));
     Random expected(0x0FFFF000u ^ 3u);
     draw(expected, 5);
     EXPECT_EQ(draw(restored, 700), draw(expected, 700));
@@ -187,72 +197,51 @@ TEST(Random, RestoresAtEveryPlaceFromItsText)
 
 TEST(Random, RefusesBadTextsAndKeepsTheStream)
 {
-    const std::string good = streamText("10");
-    const std::string invalid = error::invalidData.getCaption();
-    const std::string versionMessage =
-        ", that is not compatible with the current version, v0.4.0.";
-    struct Case {
-        std::string text;
-        std::string message;
+    const std::string unable = "Unable to deserialize a random stream: ";
+    const std::string error = "Error while deserializing random: ";
+    const std::string incompatible = ", that is not compatible with the current version, v0.4.0.";
+    const std::pair<std::string, std::string> cases[] = {
+        { "", unable },
+        { streamText(10).substr(0, 67), unable + versionText + "random {\n  seed: 1234\n}\n" },
+        { "random { seed: 1 count: 2 }", unable + "random {\n  seed: 1\n  count: 2\n}\n" },
+        { "version { major: 0 minor: 4 } random { seed: 1 count: 2 }",
+            unable + "version {\n  major: 0\n  minor: 4\n}\nrandom {\n  seed: 1\n  count: 2\n}\n" },
+        { "version { major: 0 minor: 4 patch: 0 } random { seed: -1 count: 2 }",
+            unable + versionText + "random {\n}\n" },
+        { "garbage { version { major: 0 minor: 4 patch: 0 } }", unable },
+        { "version { major: 0 minor: 4 patch: 1 } random { seed: 1 count: 2 }",
+            error + "The file originates from a version, v0.4.1" + incompatible },
+        { "version { major: 1 minor: 2 patch: 3 }", error + "The file originates from a version, v1.2.3" + incompatible },
+        { "version { major: 0 minor: 4 patch: 0 }", error + "expected field random not found" },
+        { "version { major: 0 minor: 4 patch: 0 } random { count: 2 }", error + "expected field seed not found" },
+        { "version { major: 0 minor: 4 patch: 0 } random { seed: 1234 }", error + "expected field count not found" },
+        // A text of a manager is not a stream.
+        { managerText("268431360"), unable + versionText },
     };
-    const Case cases[] = {
-        {"", "Unable to deserialize a random stream: "},
-        {good.substr(0, 67), "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n  patch: 0\n}\n"
-                             "random {\n  seed: 1234\n}\n"},
-        {"random { seed: 1 count: 2 }", "Unable to deserialize a random stream: random {\n  seed: 1\n  count: 2\n}\n"},
-        {"version { major: 0 minor: 4 } random { seed: 1 count: 2 }",
-         "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n}\nrandom {\n  seed: 1\n  count: 2\n}\n"},
-        {"version { major: 0 minor: 4 patch: 0 } random { seed: -1 count: 2 }",
-         "Unable to deserialize a random stream: version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nrandom {\n}\n"},
-        {"garbage { version { major: 0 minor: 4 patch: 0 } }", "Unable to deserialize a random stream: "},
-        {"version { major: 0 minor: 4 patch: 1 } random { seed: 1 count: 2 }",
-         "Error while deserializing random: The file originates from a version, v0.4.1" + versionMessage},
-        {"version { major: 1 minor: 2 patch: 3 }",
-         "Error while deserializing random: The file originates from a version, v1.2.3" + versionMessage},
-        {"version { major: 0 minor: 4 patch: 0 }", "Error while deserializing random: expected field random not found"},
-        {"version { major: 0 minor: 4 patch: 0 } random { count: 2 }",
-         "Error while deserializing random: expected field seed not found"},
-        {"version { major: 0 minor: 4 patch: 0 } random { seed: 1234 }",
-         "Error while deserializing random: expected field count not found"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [text, message] : cases) {
         Random target(1234);
         draw(target, 600);
         RecordingLogger logger;
-        EXPECT_FALSE(deserializeRandom(c.text.data(), static_cast<unsigned int>(c.text.size()), target, &logger))
-            << c.text;
-        EXPECT_EQ(logger.lines, Texts{"error|" + invalid + "|" + c.message}) << c.text;
-        EXPECT_EQ(draw(target, 50), referenceSlice(600, 50)) << c.text;
+        EXPECT_FALSE(deserialize(text, target, &logger, deserializeRandom)) << text;
+        EXPECT_EQ(logger.lines, Texts { "error|invalid data|" + message }) << text;
+        EXPECT_EQ(draw(target, 50), referenceSlice(600, 50)) << text;
 
         Random silent(1234);
-        EXPECT_FALSE(deserializeRandom(c.text.data(), static_cast<unsigned int>(c.text.size()), silent, nullptr));
+        EXPECT_FALSE(deserialize(text, silent, nullptr, deserializeRandom));
         EXPECT_EQ(silent(), referenceWords()[0]);
     }
-
-    // A text of a manager is not a stream.
-    RandomManager manager;
-    unsigned int size = 0;
-    char* buffer = serializeRandomManager(size, manager, nullptr);
-    ASSERT_NE(buffer, nullptr);
-    const std::string managerText = takeText(buffer, size);
-    Random target(1234);
-    RecordingLogger logger;
-    EXPECT_FALSE(deserializeRandom(managerText.data(), size, target, &logger));
-    EXPECT_EQ(logger.messages().size(), 1u);
-    EXPECT_EQ(target(), referenceWords()[0]);
 }
 
 TEST(SfmtGenerator, MovesToAnyPlaceForwardsAndBackwards)
 {
     const Words& words = referenceWords();
     details::SfmtGenerator generator(1234);
-    EXPECT_EQ(generator.getCount(), 0);
     EXPECT_EQ(generator.getSeed(), 1234u);
 
     // Each place, reached from wherever the previous one left the generator, continues with the
     // words a fresh stream gives there.
-    const long long places[] = {0,   624, 1248, 1,    623, 625, 2000, 5,    1247, 1249, 0,
-                                624, 623, 1,    2496, 0,   1873, 1872, 1871, 4,    2400};
+    const long long places[]
+        = { 0, 624, 1248, 1, 623, 625, 2000, 5, 1247, 1249, 0, 624, 623, 1, 2496, 0, 1873, 1872, 1871, 4, 2400 };
     for (long long place : places) {
         generator.advance(place);
         EXPECT_EQ(generator.getCount(), place);
@@ -272,16 +261,13 @@ TEST(SfmtGenerator, MovesToAnyPlaceForwardsAndBackwards)
     generator.advance(1500);
     EXPECT_EQ(generator.next(), words[1500]);
 
-    // Moving a stream that is not seeded yet seeds it first.
+    // Moving a stream that is not seeded yet seeds it first; a reset starts the sequence again.
     details::SfmtGenerator moved(1234);
     moved.advance(1800);
     EXPECT_EQ(moved.next(), words[1800]);
-
-    // A reset forgets the place; the next word starts the sequence again.
     moved.reset();
     EXPECT_EQ(moved.getCount(), 0);
     EXPECT_EQ(moved.next(), words[0]);
-    EXPECT_EQ(moved.getCount(), 1);
 }
 
 TEST(SfmtGenerator, BackwardPassUndoesTheForwardPassInBothForms)
@@ -307,4 +293,70 @@ TEST(SfmtGenerator, BackwardPassUndoesTheForwardPassInBothForms)
         ASSERT_TRUE(std::equal(std::begin(portable), std::end(portable), native)) << pass;
     }
     EXPECT_TRUE(std::equal(std::begin(start), std::end(start), native));
+}
+
+TEST(RandomManager, DerivesStreamsFromTheMasterSeedAtTheirMaking)
+{
+    RandomManager manager;
+    EXPECT_EQ(manager.getSeed(), 0x0FFFF000u);
+    Random master = manager.createRandomStream(0);
+    Random numbered = manager.createRandomStream(0x00F0000Fu);
+    EXPECT_EQ(draw(master, 700), drawFresh(0x0FFFF000u, 700));
+    EXPECT_EQ(draw(numbered, 700), drawFresh(0x0F0FF00Fu, 700));
+
+    // Streams made before a new master seed keep theirs.
+    Random before = manager.createRandomStream(5);
+    manager.seed(0xCAFEBABEu);
+    EXPECT_EQ(manager.getSeed(), 0xCAFEBABEu);
+    Random after = manager.createRandomStream(5);
+    EXPECT_EQ(draw(before, 10), drawFresh(0x0FFFF000u ^ 5u, 10));
+    EXPECT_EQ(draw(after, 10), drawFresh(0xCAFEBABEu ^ 5u, 10));
+}
+
+TEST(RandomManager, StoresItsMasterSeedAsText)
+{
+    RandomManager manager;
+    EXPECT_EQ(serialize(manager, serializeRandomManager), managerText("268431360"));
+    manager.seed(0xFFFFFFFFu);
+    const std::string text = serialize(manager, serializeRandomManager);
+    EXPECT_EQ(text, managerText("4294967295"));
+
+    RandomManager restored;
+    RecordingLogger logger;
+    ASSERT_TRUE(deserialize(text, restored, &logger, deserializeRandomManager));
+    EXPECT_TRUE(logger.lines.empty());
+    Random stream = restored.createRandomStream(9);
+    EXPECT_EQ(draw(stream, 5), drawFresh(0xFFFFFFFFu ^ 9u, 5));
+
+    // Fields may come in any order and spacing, as the text format allows.
+    ASSERT_TRUE(deserialize(std::string("randomManager { seed: 17 } version { patch: 0 minor: 4 major: 0 }"), restored,
+        nullptr, deserializeRandomManager));
+    EXPECT_EQ(restored.getSeed(), 17u);
+}
+
+TEST(RandomManager, RefusesBadTextsAndKeepsItsSeed)
+{
+    const std::string unable = "Unable to deserialize a random manager: ";
+    const std::string error = "Error while deserializing random manager: ";
+    const std::string good = managerText("77");
+    const std::pair<std::string, std::string> cases[] = {
+        { "", unable },
+        { good.substr(0, good.size() - 3), unable + managerText("77") },
+        { "version { major: 0 minor: 4 patch: 0 } random { seed: 1 count: 2 }", unable + versionText },
+        { "version { major: 0 minor: 4 patch: 1 } randomManager { seed: 1 }",
+            error
+                + "The file originates from a version, v0.4.1, that is not compatible with the current version, "
+                  "v0.4.0." },
+        { "version { major: 0 minor: 4 patch: 0 }", error + "expected field randomManager not found" },
+        { "version { major: 0 minor: 4 patch: 0 } randomManager { }", error + "expected field seed not found" },
+    };
+    for (const auto& [text, message] : cases) {
+        RandomManager manager;
+        manager.seed(12345);
+        RecordingLogger logger;
+        EXPECT_FALSE(deserialize(text, manager, &logger, deserializeRandomManager)) << text;
+        EXPECT_EQ(logger.lines, Texts { "error|invalid data|" + message }) << text;
+        EXPECT_FALSE(deserialize(text, manager, nullptr, deserializeRandomManager));
+        EXPECT_EQ(manager.getSeed(), 12345u) << text;
+    }
 }

@@ -1,6 +1,8 @@
 #ifndef ORV_TESTS_UTILS_STREAMTESTSUPPORT_H
 #define ORV_TESTS_UTILS_STREAMTESTSUPPORT_H
 
+#include <orv/utils/AbstractDataInputOutput.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -42,6 +44,15 @@ public:
 private:
     std::string path_;
 };
+
+/// Reads or peeks up to `size` bytes and gives what came; the call must succeed.
+inline std::string readSome(utils::AbstractDataInputOutput& stream, unsigned int size, bool peek = false)
+{
+    std::string buffer(size, '#');
+    EXPECT_TRUE(peek ? stream.peekRead(&buffer[0], size, nullptr) : stream.read(&buffer[0], size, nullptr));
+    buffer.resize(size);
+    return buffer;
+}
 
 } // namespace test
 } // namespace orv
