@@ -9,8 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <sstream>
 #include <string>
 
 namespace orv {
@@ -19,43 +17,6 @@ namespace {
 
 using utils::DynamicObject;
 using utils::DynamicObjectBuilder;
-
-/// Sends a line of events in the recorder's tokens ("begin beginObject child(a) int(1) ...") and
-/// returns the tokens that were answered false, separated by blanks.
-std::string play(utils::AbstractObjectBuilder& builder, const std::string& events)
-{
-    using Builder = utils::AbstractObjectBuilder;
-    static const std::map<std::string, bool (Builder::*)()> bare = { { "begin", &Builder::begin },
-        { "end", &Builder::end }, { "null", &Builder::null }, { "beginObject", &Builder::beginObject },
-        { "endObject", &Builder::endObject }, { "beginArray", &Builder::beginArray }, { "child", &Builder::arrayChild },
-        { "endArray", &Builder::endArray } };
-    std::istringstream tokens(events);
-    std::string token;
-    std::string refused;
-    while (tokens >> token) {
-        const std::size_t open = token.find('(');
-        const std::string name = token.substr(0, open);
-        const std::string argument = open == std::string::npos ? "" : token.substr(open + 1, token.size() - open - 2);
-        const unsigned int size = static_cast<unsigned int>(argument.size());
-        bool answer = false;
-        if (open == std::string::npos) {
-            answer = (builder.*bare.at(name))();
-        } else if (name == "bool") {
-            answer = builder.boolean(argument == "true");
-        } else if (name == "int") {
-            answer = builder.integer(std::stoll(argument));
-        } else if (name == "real") {
-            answer = builder.real(std::stod(argument));
-        } else {
-            answer
-                = name == "string" ? builder.string(argument.data(), size) : builder.objectChild(argument.data(), size);
-        }
-        if (!answer) {
-            refused += (refused.empty() ? "" : " ") + token;
-        }
-    }
-    return refused;
-}
 
 TEST(DynamicObjectBuilder, FillsAnObjectFromAnyProducer)
 {
@@ -186,22 +147,12 @@ TEST(DynamicObjectBuilder, AnArrayTakesTheLargestSizeAndNoMore)
     EXPECT_EQ(object.getInt("[50000]", -1), 50000);
 }
 
-/// Records the retrieve slots.
-class RetrieveListener : public RecordingListener {
-public:
-    void beforeRetrieve() override { events.push_back("beforeRetrieve"); }
-    void afterRetrieve(unsigned int property) override
-    {
-        events.push_back("afterRetrieve(" + std::to_string(property) + ")");
-    }
-};
-
 TEST(DynamicObjectRetrieve, RebuildsASubtreeInAnotherObject)
 {
     DynamicObject source;
     source.setString("a.b[1]", "text");
     source.setReal("a.c", 0.5);
-    RetrieveListener listener;
+    RecordingListener listener;
     source.setListener(&listener);
 
     DynamicObject target;

@@ -12,18 +12,15 @@ namespace orv {
 namespace test {
 namespace {
 
-TEST(DynamicObjectC, ReadsAndWritesTheObjectItself)
+TEST(DynamicObjectC, ReadsAndWritesTheObjectItselfAndAnswersFailureValuesToWrongTextsAndHandles)
 {
     utils::DynamicObject shared;
     const char* failed = orv_test_dynamicObjectFromC(&shared.getWrapper());
     EXPECT_EQ(failed, nullptr) << failed;
     EXPECT_EQ(shared.getInt("fromC", 0), 42);
-}
 
-TEST(DynamicObjectC, WrongTextsAndHandlesAnswerTheirFailureValue)
-{
     AssertionCapture capture;
-    const char* failed = orv_test_dynamicObjectMisuseFromC();
+    failed = orv_test_dynamicObjectMisuseFromC();
     EXPECT_EQ(failed, nullptr) << failed;
     EXPECT_EQ(capture.texts(),
         (Texts { "o", "o", "o", "Null string given as a key", "Null string given as a key",

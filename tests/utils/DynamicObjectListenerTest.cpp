@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <numeric>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -18,14 +19,6 @@ using orv::test::Texts;
 using orv::utils::DynamicObject;
 using Events = std::vector<std::string>;
 
-namespace {
-
-std::string number(unsigned int value)
-{
-    return std::to_string(value);
-}
-
-} // namespace
 
 TEST(DynamicObjectListener, EveryInsertionReportsTheKeyAsItGoesIntoTheTrie)
 {
@@ -36,16 +29,16 @@ TEST(DynamicObjectListener, EveryInsertionReportsTheKeyAsItGoesIntoTheTrie)
     const unsigned int x = object.addChild(p, "x", 1);
     const unsigned int y = object.addChild(p, "y", 1);
     // The first child of a property brings its separator; the others go in after it.
-    EXPECT_EQ(listener.events, (Events{"beforeAddProperty", "afterAddProperty(p," + number(p) + ")",
-                                       "beforeAddProperty", "afterAddProperty(.x," + number(x) + ")",
-                                       "beforeAddProperty", "afterAddProperty(y," + number(y) + ")"}));
+    EXPECT_EQ(listener.events, (Events{"beforeAddProperty", "afterAddProperty(p," + std::to_string(p) + ")",
+                                       "beforeAddProperty", "afterAddProperty(.x," + std::to_string(x) + ")",
+                                       "beforeAddProperty", "afterAddProperty(y," + std::to_string(y) + ")"}));
     listener.events.clear();
     object.resize(object.addChild(p, "list", 4), 2);
     const unsigned int list = object.getProperty("p.list");
     EXPECT_EQ(listener.events,
-              (Events{"beforeAddProperty", "afterAddProperty(list," + number(list) + ")", "beforeAddProperty",
-                      "afterAddProperty([0]," + number(object.getChild(list, 0u)) + ")", "beforeAddProperty",
-                      "afterAddProperty([1]," + number(object.getChild(list, 1u)) + ")"}));
+              (Events{"beforeAddProperty", "afterAddProperty(list," + std::to_string(list) + ")", "beforeAddProperty",
+                      "afterAddProperty([0]," + std::to_string(object.getChild(list, 0u)) + ")", "beforeAddProperty",
+                      "afterAddProperty([1]," + std::to_string(object.getChild(list, 1u)) + ")"}));
 }
 
 TEST(DynamicObjectListener, AWriteOverChildrenReportsTheResetsInsideTheWrite)
@@ -59,22 +52,22 @@ TEST(DynamicObjectListener, AWriteOverChildrenReportsTheResetsInsideTheWrite)
     object.addListener(&listener);
 
     object.setInt(x, 1);
-    EXPECT_EQ(listener.events, (Events{"beforeSetInt", "afterSetInt(" + number(x) + ",1)"}));
+    EXPECT_EQ(listener.events, (Events{"beforeSetInt", "afterSetInt(" + std::to_string(x) + ",1)"}));
     listener.events.clear();
     object.setInt(p, 7);
     EXPECT_EQ(listener.events,
               (Events{"beforeSetInt", "beforeResetProperty", "beforeResetProperty",
-                      "afterResetProperty(" + number(x) + ")", "beforeResetProperty",
-                      "afterResetProperty(" + number(y) + ")", "afterResetProperty(" + number(p) + ")",
-                      "afterSetInt(" + number(p) + ",7)"}));
+                      "afterResetProperty(" + std::to_string(x) + ")", "beforeResetProperty",
+                      "afterResetProperty(" + std::to_string(y) + ")", "afterResetProperty(" + std::to_string(p) + ")",
+                      "afterSetInt(" + std::to_string(p) + ",7)"}));
     listener.events.clear();
     object.setReal(p, 0.5);
     object.setString(p, "text");
     object.setBool(p, true);
     EXPECT_EQ(listener.events,
-              (Events{"beforeSetReal", "afterSetReal(" + number(p) + ",0.5)", "beforeSetString",
-                      "afterSetString(" + number(p) + ",text)", "beforeSetBool",
-                      "afterSetBool(" + number(p) + ",true)"}));
+              (Events{"beforeSetReal", "afterSetReal(" + std::to_string(p) + ",0.5)", "beforeSetString",
+                      "afterSetString(" + std::to_string(p) + ",text)", "beforeSetBool",
+                      "afterSetBool(" + std::to_string(p) + ",true)"}));
 }
 
 TEST(DynamicObjectListener, OnlyCountedLookupsAndPutsAndCopiesAreReported)
@@ -98,8 +91,8 @@ TEST(DynamicObjectListener, OnlyCountedLookupsAndPutsAndCopiesAreReported)
     listener.events.clear();
     const unsigned int b = object.getProperty("a.b");
     object.put(b, other, other.getProperty("v"));
-    EXPECT_EQ(listener.events, (Events{"beforePut", "beforeSetInt", "afterSetInt(" + number(b) + ",2)",
-                                       "afterPut(" + number(b) + ")"}));
+    EXPECT_EQ(listener.events, (Events{"beforePut", "beforeSetInt", "afterSetInt(" + std::to_string(b) + ",2)",
+                                       "afterPut(" + std::to_string(b) + ")"}));
 
     listener.events.clear();
     object = other;
@@ -176,8 +169,6 @@ TEST(DynamicObjectListener, OperationsKeepTheirSlotsForHosts)
         slotOf(&L::beforeResetProperty), slotOf(&L::afterResetProperty), slotOf(&L::beforeCopy),
         slotOf(&L::afterCopy)};
     std::vector<std::size_t> expected(28);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        expected[i] = i;
-    }
+    std::iota(expected.begin(), expected.end(), 0u);
     EXPECT_EQ(slots, expected);
 }

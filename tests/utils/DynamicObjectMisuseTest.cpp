@@ -4,7 +4,6 @@
 #include "support/TestSupport.h"
 #include "utils/DynamicObjectTestSupport.h"
 
-#include <orv/utils/BlockAllocator.h>
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicValue.h>
 
@@ -13,7 +12,6 @@
 using orv::test::AssertionCapture;
 using orv::test::dump;
 using orv::test::Texts;
-using orv::utils::BlockAllocator;
 using orv::utils::DynamicObject;
 using orv::utils::DynamicValue;
 namespace type = orv::utils::type;
@@ -154,21 +152,4 @@ TEST(DynamicObjectMisuse, RenameRefusesWhatItCannotDo)
     EXPECT_EQ(capture.texts(), (Texts{"The given child key, 'x[' is invalid."}));
     EXPECT_EQ(object.getChild(p, "x[", 2), renamed);
     EXPECT_EQ(object.getInt(renamed, 0), 1);
-}
-
-TEST(DynamicObjectMisuse, ABlockAllocatorRefusesBlocksItDidNotHandOut)
-{
-    BlockAllocator<int> allocator(4);
-    int outside[4] = {1, 2, 3, 4};
-    int* block = allocator.allocate();
-    AssertionCapture capture;
-    allocator.deallocate(outside);
-    allocator.deallocate(block);
-    allocator.deallocate(block);
-    EXPECT_EQ(capture.texts(), (Texts{"unable to find address among allocated blocks, unable to free",
-                                      "unable to find address among allocated blocks, unable to free"}));
-    EXPECT_EQ(outside[3], 4);
-    // Still usable: the returned block comes back once.
-    EXPECT_EQ(allocator.allocate(), block);
-    EXPECT_NE(allocator.allocate(), block);
 }

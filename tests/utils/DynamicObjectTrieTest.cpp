@@ -62,7 +62,6 @@ TEST(DynamicObjectTrie, NodesReleasedLastGoBackToTheBlockAndOthersToTheFreeList)
     // Releasing the newest nodes lowers the bump count: the same indices come again.
     EXPECT_EQ(add(object, root, "a"), 5u);
     EXPECT_TRUE(erase(object, root, "a"));
-    EXPECT_EQ(object.getType(root), type::null);
     EXPECT_EQ(add(object, root, "a"), 5u);
 
     // "b" takes 7, 8, 9. Erasing "a" frees its value (6) and end (5), while its character node
@@ -179,24 +178,23 @@ TEST(DynamicObjectTrie, LookupsAllocateNothing)
     const unsigned long long mark = allocator.getNextSerial();
     unsigned int found = 0;
     for (int i = 0; i < 10; ++i) {
-        found += object.getProperty(path, sizeof(path) - 1);
-        found += object.getProperty(path) != 0 ? 1 : 0;
-        found += object.getChild(beta, 3u);
-        found += object.getChild(alpha, "name", 4);
-        found += object.hasProperty("alpha.name") ? 1 : 0;
-        found += static_cast<unsigned int>(object.getInt(path, 0));
-        found += std::strlen(object.getString("alpha.name", "")) != 0 ? 1 : 0;
+        found += object.getProperty(path, sizeof(path) - 1) + object.getChild(beta, 3u) + object.getChild(alpha, "name", 4);
+        found += (object.hasProperty("alpha.name") ? 1 : 0) + static_cast<unsigned int>(object.getInt(path, 0));
+        found += std::strlen(object.getString("alpha.name", ""));
     }
     EXPECT_EQ(allocator.getNextSerial(), mark);
     EXPECT_NE(found, 0u);
 }
 
-TEST(DynamicObjectTrie, CopiesKeepEveryHandle)
+TEST(DynamicObjectTrie, CopiesAndAssignmentsAcrossBlockSizesKeepEveryHandle)
 {
     DynamicObject source;
+    for (int i = 0; i < 40; ++i) {
+        source.setInt(("k" + std::to_string(i)).c_str(), i);
+    }
     source.setInt("a.b[1]", 4);
     source.setString("a.s", "text");
-    source.setReal("r", 2.5);
+    const unsigned int k37 = source.getProperty("k37");
     const unsigned int b1 = source.getProperty("a.b[1]");
     const unsigned int s = source.getProperty("a.s");
     // A free node in the source is lost to a copy, which allocates from its block instead.
@@ -205,17 +203,14 @@ TEST(DynamicObjectTrie, CopiesKeepEveryHandle)
     source.eraseChild(source.getRoot(), "gone", 4);
     const std::string text = dump(source);
 
-    DynamicObject copy(source);
-    EXPECT_TRUE(copy.isOwningNodeAllocator());
-    EXPECT_NE(&copy.getStringTable(), &source.getStringTable());
-    EXPECT_EQ(copy.getInt(b1, 0), 4);
-    EXPECT_STREQ(copy.getString(s, ""), "text");
-    EXPECT_EQ(dump(copy), text);
-    const unsigned int reused = source.addChild(source.getRoot(), "n", 1);
-    const unsigned int fresh = copy.addChild(copy.getRoot(), "n", 1);
-    EXPECT_LT(reused, fresh);
+    DynamicObject* copy = new DynamicObject(source);
+    EXPECT_TRUE(copy->isOwningNodeAllocator());
+    EXPECT_NE(&copy->getStringTable(), &source.getStringTable());
+    EXPECT_EQ(copy->getInt(b1, 0), 4);
+    EXPECT_EQ(dump(*copy), text);
+    EXPECT_LT(source.addChild(source.getRoot(), "n", 1), copy->addChild(copy->getRoot(), "n", 1));
 
-    // A copy by reference shares the allocator and the table.
+    // A copy by reference shares the allocator and the table, not the values.
     DynamicObject shared{DynamicObject::Ref(source)};
     EXPECT_FALSE(shared.isOwningNodeAllocator());
     EXPECT_EQ(&shared.getStringTable(), &source.getStringTable());
@@ -224,52 +219,30 @@ TEST(DynamicObjectTrie, CopiesKeepEveryHandle)
     shared.setString(s, "changed");
     EXPECT_STREQ(source.getString(s, ""), "text");
 
-    // The copy's table is its own: it outlives the source.
-    DynamicObject* survivor = new DynamicObject(copy);
-    copy.clear();
-    EXPECT_STREQ(survivor->getString(s, ""), "text");
-    delete survivor;
-}
-
-TEST(DynamicObjectTrie, AssignmentAcrossBlockSizesKeepsHandles)
-{
-    DynamicObject large;
-    for (int i = 0; i < 40; ++i) {
-        large.setInt(("k" + std::to_string(i)).c_str(), i);
-    }
-    large.setString("list[2].name", "x");
-    const unsigned int k37 = large.getProperty("k37");
-    const unsigned int name = large.getProperty("list[2].name");
-    const std::string text = dump(large);
-
     BlockAllocator<DynamicObject::Node> allocator(5);
     StringTable table(100);
     {
         DynamicObject small(allocator, table);
         small.setInt("old", 1);
-        orv::test::RecordingListener listener;
-        small.addListener(&listener);
-        small = large;
-        EXPECT_EQ(listener.events, (std::vector<std::string>{"beforeCopy", "afterCopy"}));
+        small = *copy;
+        // The copy's table was its own: what was assigned from it outlives it.
+        delete copy;
         EXPECT_EQ(small.getInt(k37, 0), 37);
-        EXPECT_STREQ(small.getString(name, ""), "x");
-        EXPECT_EQ(dump(small), text);
+        EXPECT_STREQ(small.getString(s, ""), "text");
         EXPECT_EQ(small.getProperty("old"), 0u);
         // Nodes past the copied ones are free in a smaller block size: writing goes on safely.
         small.setInt("later", 5);
         EXPECT_EQ(small.getInt(k37, 0), 37);
-        EXPECT_EQ(small.getInt("later", 0), 5);
 
         // Into a larger block size, the copied nodes read the same.
         DynamicObject back;
         back = small;
         EXPECT_EQ(back.getInt(k37, 0), 37);
         EXPECT_EQ(back.getInt("later", 0), 5);
-        EXPECT_STREQ(back.getString(name, ""), "x");
-        small.removeListener(&listener);
+        EXPECT_EQ(back.getInt(b1, 0), 4);
     }
     // Self-assignment changes nothing.
-    DynamicObject& same = large;
-    large = same;
-    EXPECT_EQ(dump(large), text);
+    DynamicObject& same = source;
+    source = same;
+    EXPECT_EQ(dump(source), text.substr(0, text.size() - 1) + ",\"n\":null}");
 }

@@ -1,8 +1,11 @@
+#include "support/RecordingBuilder.h"
 #include "support/TestSupport.h"
+#include "utils/DynamicObjectTestSupport.h"
 
-#include <orv/utils/DynamicObject.h>
+#include <orv/utils/BufferInput.h>
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/FileInputOutput.h>
+#include <orv/utils/JsonDeserializer.h>
 #include <orv/utils/JsonSerializer.h>
 
 #include <gtest/gtest.h>
@@ -22,11 +25,6 @@ namespace {
 using utils::DynamicBufferInputOutput;
 using utils::JsonSerializer;
 
-std::string textOf(const DynamicBufferInputOutput& output)
-{
-    return output.empty() ? std::string() : std::string(output.data(), output.size());
-}
-
 std::string refusal(const std::string& message)
 {
     return "error|invalid operation|" + message;
@@ -43,21 +41,12 @@ protected:
 
 TEST_F(JsonSerializerTest, WritesEveryKindOfValue)
 {
-    ASSERT_TRUE(serializer_.begin());
-    EXPECT_TRUE(serializer_.beginObject() && serializer_.objectChild("a") && serializer_.real(1.0));
-    EXPECT_TRUE(serializer_.objectChild("list", 4) && serializer_.beginArray());
-    for (long long value : { std::numeric_limits<long long>::min(), 0ll, std::numeric_limits<long long>::max() }) {
-        EXPECT_TRUE(serializer_.arrayChild() && serializer_.integer(value));
-    }
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.null());
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.boolean(true));
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.boolean(false));
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.string("say \"hi\"\n\\/", 11));
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.beginObject() && serializer_.endObject());
-    EXPECT_TRUE(serializer_.endArray());
-    // Only the given bytes of a key count.
-    EXPECT_TRUE(serializer_.objectChild("k\"eyX", 5) && serializer_.string("", 0));
-    EXPECT_TRUE(serializer_.endObject() && serializer_.end());
+    EXPECT_EQ(play(serializer_, "begin beginObject child(a) real(1) child(list) beginArray child "
+                                "int(-9223372036854775808) child int(0) child int(9223372036854775807) child null "
+                                "child bool(true) child bool(false) child"),
+        "");
+    EXPECT_TRUE(serializer_.string("say \"hi\"\n\\/", 11));
+    EXPECT_EQ(play(serializer_, "child beginObject endObject endArray child(k\"eyX) string() endObject end"), "");
     EXPECT_EQ(textOf(output_),
         "{\"a\":1.0,\"list\":[-9223372036854775808,0,9223372036854775807,null,true,false,"
         "\"say \\\"hi\\\"\\n\\\\/\",{}],\"k\\\"eyX\":\"\"}");
@@ -65,90 +54,48 @@ TEST_F(JsonSerializerTest, WritesEveryKindOfValue)
 
     DynamicBufferInputOutput pretty("pretty");
     JsonSerializer beautifier(pretty, true);
-    beautifier.begin();
-    beautifier.beginArray();
-    beautifier.arrayChild();
-    beautifier.integer(1);
-    beautifier.endArray();
-    beautifier.end();
+    EXPECT_EQ(play(beautifier, "begin beginArray child int(1) endArray end"), "");
     EXPECT_EQ(textOf(pretty), "[\n    1\n]\n");
 }
 
-TEST_F(JsonSerializerTest, ReportsWhatTheRootRuleAndTheGeneratorRefuse)
+TEST(JsonSerializer, RefusesEventsOutOfTurnAndValuesJsonCannotHoldAndGoesOn)
 {
-    ASSERT_TRUE(serializer_.begin());
-    EXPECT_FALSE(serializer_.integer(5));
-    EXPECT_FALSE(serializer_.string("text"));
-    ASSERT_TRUE(serializer_.beginObject());
-    EXPECT_FALSE(serializer_.integer(5));
-    EXPECT_FALSE(serializer_.real(std::nan("")));
-    EXPECT_TRUE(serializer_.endObject());
-    EXPECT_FALSE(serializer_.beginObject());
-    EXPECT_FALSE(serializer_.objectChild("late"));
-    EXPECT_EQ(logger_.lines,
-        (Texts {
-            refusal("Expected object or array"),
-            refusal("Expected object or array"),
-            refusal("No current property"),
-            refusal("No current property"),
-            refusal("Unexpected YAJL returned status: yajl_gen_generation_complete"),
-            refusal("Unexpected YAJL returned status: yajl_gen_generation_complete"),
-        }));
-    // The root rule holds again for the next document; without a logger nothing is reported.
-    EXPECT_TRUE(serializer_.end() && serializer_.begin());
-    serializer_.setLogger(nullptr);
-    EXPECT_FALSE(serializer_.null());
-    EXPECT_EQ(logger_.lines.size(), 6u);
-    EXPECT_EQ(textOf(output_), "{}");
-}
-
-TEST_F(JsonSerializerTest, RefusesNaNAndInfinitiesAndGoesOn)
-{
-    ASSERT_TRUE(serializer_.begin() && serializer_.beginArray());
-    for (double value : { std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-             -std::numeric_limits<double>::infinity() }) {
-        EXPECT_TRUE(serializer_.arrayChild());
-        EXPECT_FALSE(serializer_.real(value));
-    }
-    EXPECT_TRUE(serializer_.arrayChild() && serializer_.real(2.5));
-    EXPECT_TRUE(serializer_.endArray() && serializer_.end());
-    EXPECT_EQ(textOf(output_), "[2.5]");
-    EXPECT_EQ(logger_.lines,
-        (Texts {
-            "error|invalid argument|Invalid real value passed: nan",
-            "error|invalid argument|Invalid real value passed: inf",
-            "error|invalid argument|Invalid real value passed: -inf",
-        }));
-}
-
-TEST_F(JsonSerializerTest, BeginsAndEndsOnlyInTurn)
-{
-    EXPECT_FALSE(serializer_.end());
-    EXPECT_FALSE(serializer_.beginObject());
-    ASSERT_TRUE(serializer_.begin());
-    EXPECT_FALSE(serializer_.begin());
-    EXPECT_TRUE(serializer_.beginArray());
-    EXPECT_TRUE(serializer_.end()) << "an open array stays unterminated";
-    EXPECT_TRUE(serializer_.begin() && serializer_.beginObject() && serializer_.endObject() && serializer_.end());
-    EXPECT_EQ(textOf(output_), "[{}");
     const std::string ended = refusal("The Json building was already ended or has never begun.");
-    EXPECT_EQ(logger_.lines, (Texts { ended, ended, refusal("The Json building has already begun") }));
-
-    // A serializer destroyed in the middle of a document releases its generator.
-    JsonSerializer abandoned(output_, true);
-    abandoned.begin();
-    abandoned.beginObject();
-}
-
-TEST_F(JsonSerializerTest, StopsAtTheGeneratorsDepthLimit)
-{
-    ASSERT_TRUE(serializer_.begin());
-    int depth = 0;
-    while (depth < 1000 && serializer_.beginArray() && serializer_.arrayChild()) {
-        ++depth;
+    const std::string complete = refusal("Unexpected YAJL returned status: yajl_gen_generation_complete");
+    const std::string invalid = "error|invalid argument|Invalid real value passed: ";
+    const struct {
+        const char* events;
+        const char* refused;
+        Texts lines;
+        const char* text;
+    } cases[] = {
+        // A scalar can't be the root; a finished document takes nothing more; the next one obeys the rule again.
+        { "begin int(5) string(text) beginObject int(5) real(nan) endObject beginObject child(late) end begin null",
+            "int(5) string(text) int(5) real(nan) beginObject child(late) null",
+            { refusal("Expected object or array"), refusal("Expected object or array"), refusal("No current property"),
+                refusal("No current property"), complete, complete, refusal("Expected object or array") },
+            "{}" },
+        // An open array stays unterminated at `end`.
+        { "end beginObject begin begin beginArray end begin beginObject endObject end", "end beginObject begin",
+            { ended, ended, refusal("The Json building has already begun") }, "[{}" },
+        { "begin beginArray child real(nan) child real(inf) child real(-inf) child real(2.5) endArray end",
+            "real(nan) real(inf) real(-inf)", { invalid + "nan", invalid + "inf", invalid + "-inf" }, "[2.5]" },
+    };
+    for (const auto& c : cases) {
+        for (bool withLogger : { true, false }) {
+            DynamicBufferInputOutput output("json");
+            JsonSerializer serializer(output, false);
+            RecordingLogger logger;
+            serializer.setLogger(withLogger ? &logger : nullptr);
+            EXPECT_EQ(play(serializer, c.events), c.refused) << c.events;
+            EXPECT_EQ(logger.lines, withLogger ? c.lines : Texts {}) << c.events;
+            EXPECT_EQ(textOf(output), c.text) << c.events;
+        }
     }
-    EXPECT_EQ(depth, 127);
-    EXPECT_EQ(logger_.lines, Texts { refusal("Maximum generation depth exceeded") });
+    // A serializer destroyed in the middle of a document releases its generator.
+    DynamicBufferInputOutput output("json");
+    JsonSerializer abandoned(output, true);
+    EXPECT_EQ(play(abandoned, "begin beginObject"), "");
 }
 
 TEST_F(JsonSerializerTest, AFailedWriteDoesNotStopTheBuild)
@@ -206,7 +153,7 @@ TEST(JsonSerializerNumbers, RealsAreWrittenAsTwentySignificantDigits)
     }
 }
 
-TEST(JsonSerializerNumbers, TheProcessLocaleDoesNotDecideTheDecimalSeparator)
+TEST(JsonSerializerNumbers, TheProcessLocaleDoesNotDecideTheDecimalSeparatorEitherWay)
 {
     const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
     const std::string expected = reference(-2.5e-10);
@@ -214,27 +161,20 @@ TEST(JsonSerializerNumbers, TheProcessLocaleDoesNotDecideTheDecimalSeparator)
     const std::string localized = reference(1.5);
     const std::string written = serializeReal(1234.5);
     const std::string tiny = serializeReal(-2.5e-10);
+    const std::string text = "[2.5,-1.25e3,0.1]";
+    utils::BufferInput input(text.data(), static_cast<unsigned int>(text.size()));
+    RecordingBuilder builder;
+    const bool read = utils::deserializeJson(builder, input, false);
     const std::string afterwards = std::setlocale(LC_NUMERIC, nullptr);
     std::setlocale(LC_NUMERIC, previous.c_str());
     EXPECT_EQ(localized, "1,5") << "the locale must use a comma for the test to mean anything";
     EXPECT_EQ(written, "1234.5");
     EXPECT_EQ(tiny, expected);
+    EXPECT_TRUE(read);
+    EXPECT_EQ(builder.line(), "begin beginArray child real(2.5) child real(-1250) child real(0.1) endArray end");
     EXPECT_EQ(afterwards, "de_DE.UTF-8");
 }
 
 } // namespace
 } // namespace test
 } // namespace orv
-
-TEST(JsonSerializer, WritesADynamicObjectCompactlyInTheOrderOfItsKeys)
-{
-    orv::utils::DynamicObject object;
-    object.setInt("b.n", 3);
-    object.setReal("b.r", 2.0);
-    object.setString("a", "t\"x");
-    object.setBool("c[1]", true);
-    orv::utils::DynamicBufferInputOutput output("json");
-    ASSERT_TRUE(orv::utils::serializeDynamicObjectToJson(object, output, nullptr));
-    EXPECT_EQ(std::string(output.data(), output.size()),
-              R"({"a":"t\"x","b":{"n":3,"r":2.0},"c":[null,true]})");
-}

@@ -42,115 +42,21 @@ private:
     int count_ = 0;
 };
 
-struct Parsed {
-    bool result;
-    std::string steps;
-    Texts messages;
-};
-
-Parsed parse(const std::string& path)
-{
-    RecordingParser parser;
-    RecordingLogger logger;
-    const bool result = parseProperty(path.data(), static_cast<unsigned int>(path.size()), parser, &logger);
-    // The check walks the same grammar and must agree, message included.
-    RecordingLogger checkLogger;
-    EXPECT_EQ(checkPropertyPath(path.data(), static_cast<unsigned int>(path.size()), &checkLogger), result) << path;
-    EXPECT_EQ(checkLogger.lines, logger.lines) << path;
-    return Parsed{result, parser.steps, logger.messages()};
-}
-
 } // namespace
 
-TEST(PropertyPath, KeysAreNonEmptyAndFreeOfSeparators)
+TEST(PropertyPath, KeysAreNonEmptyAndFreeOfSeparatorsAndNullTextsAreMisuse)
 {
+    for (const char* key : {"", "a.b", "a[0", "]"}) {
+        EXPECT_FALSE(checkPropertyKey(key)) << key;
+    }
     EXPECT_FALSE(checkPropertyKey("", 0));
-    EXPECT_FALSE(checkPropertyKey(""));
     EXPECT_TRUE(checkPropertyKey("a b"));
     EXPECT_TRUE(checkPropertyKey("\xc3\xa9t\xc3\xa9"));
-    EXPECT_FALSE(checkPropertyKey("a.b"));
-    EXPECT_FALSE(checkPropertyKey("a[0"));
-    EXPECT_FALSE(checkPropertyKey("]"));
     // The counted form looks at its bytes only, zero included.
     EXPECT_TRUE(checkPropertyKey("ab.c", 2));
     EXPECT_TRUE(checkPropertyKey("a\0b", 3));
-}
 
-TEST(PropertyPath, ValidPathsReportTheirStepsInOrder)
-{
-    EXPECT_EQ(parse("a[1].b[2]").steps, "key(a) index(1) key(b) index(2)");
-    EXPECT_EQ(parse("[3]").steps, "index(3)");
-    EXPECT_EQ(parse("[3][4]").steps, "index(3) index(4)");
-    EXPECT_EQ(parse("a.").steps, "key(a)");
-    EXPECT_EQ(parse("a[0].b.c").steps, "key(a) index(0) key(b) key(c)");
-    EXPECT_EQ(parse("a[123456]").steps, "key(a) index(123456)");
-    EXPECT_EQ(parse("x[007]").steps, "key(x) index(7)");
-    EXPECT_EQ(parse("sp ace.\xe2\x82\xac").steps, "key(sp ace) key(\xe2\x82\xac)");
-    const Parsed empty = parse("");
-    EXPECT_TRUE(empty.result);
-    EXPECT_EQ(empty.steps, "");
-    for (const char* path : {"a[1].b[2]", "[3]", "a.", "a[123456]"}) {
-        EXPECT_TRUE(parse(path).result) << path;
-        EXPECT_EQ(parse(path).messages, Texts{}) << path;
-    }
-}
-
-TEST(PropertyPath, MalformedPathsNameTheFirstOffendingByteAndItsPosition)
-{
-    const auto unexpected = [](const std::string& character, int position) {
-        return Texts{"Unexpected '" + character + "' character at position " + std::to_string(position) + "."};
-    };
-    EXPECT_EQ(parse("a..b").messages, unexpected(".", 2));
-    EXPECT_EQ(parse(".a").messages, unexpected(".", 0));
-    EXPECT_EQ(parse("a[]").messages, unexpected("]", 2));
-    EXPECT_EQ(parse("a[1]b").messages, unexpected("b", 4));
-    EXPECT_EQ(parse("a[x]").messages, unexpected("x", 2));
-    EXPECT_EQ(parse("a.[0]").messages, unexpected("[", 2));
-    EXPECT_EQ(parse("a]").messages, unexpected("]", 1));
-    EXPECT_EQ(parse("a[1[").messages, unexpected("[", 3));
-    EXPECT_EQ(parse("a[-1]").messages, unexpected("-", 2));
-    EXPECT_EQ(parse("a[\x80]").messages, unexpected("\x80", 2));
-    EXPECT_EQ(parse("a[1]").messages, Texts{});
-    EXPECT_EQ(parse("a[12").messages, Texts{"Expected ']' character at position 4."});
-    EXPECT_EQ(parse("[").messages, Texts{"Expected ']' character at position 1."});
-    EXPECT_EQ(parse("a[1234567]").messages,
-              Texts{"Property array out of bound: maximum array index length is 5."});
-    // Steps before the fault were reported; the result is false all the same.
-    const Parsed partial = parse("a.b[1]c");
-    EXPECT_FALSE(partial.result);
-    EXPECT_EQ(partial.steps, "key(a) key(b) index(1)");
-
-    // With no logger the results are the same, with no report.
-    RecordingParser parser;
-    EXPECT_FALSE(parseProperty("a..b", parser, nullptr));
-    EXPECT_FALSE(checkPropertyPath("a[", nullptr));
-    EXPECT_TRUE(checkPropertyPath("a[0]", nullptr));
-
-    // Every error is invalid data.
-    RecordingLogger logger;
-    checkPropertyPath("a]", &logger);
-    checkPropertyPath("a[1234567]", &logger);
-    EXPECT_EQ(logger.lines, (Texts{"error|invalid data|Unexpected ']' character at position 1.",
-                                   "error|invalid data|Property array out of bound: maximum array index length is 5."}));
-}
-
-TEST(PropertyPath, AFalseStepStopsTheParseSilently)
-{
-    RecordingLogger logger;
-    RecordingParser first(0);
-    EXPECT_FALSE(parseProperty("a.b", first, &logger));
-    EXPECT_EQ(first.steps, "key(a)");
-    RecordingParser last(1);
-    EXPECT_FALSE(parseProperty("a.b", last, &logger));
-    EXPECT_EQ(last.steps, "key(a) key(b)");
-    RecordingParser index(0);
-    EXPECT_FALSE(parseProperty("[2].a", index, &logger));
-    EXPECT_EQ(index.steps, "index(2)");
-    EXPECT_EQ(logger.lines, Texts{});
-}
-
-TEST(PropertyPath, NullTextsAreReported)
-{
+    // Null texts are misuse.
     AssertionCapture capture;
     RecordingParser parser;
     EXPECT_FALSE(parseProperty(nullptr, parser, nullptr));
@@ -159,19 +65,80 @@ TEST(PropertyPath, NullTextsAreReported)
     EXPECT_EQ(capture.texts(), Texts(3, "Null string given as a key"));
 }
 
+TEST(PropertyPath, PathsReportTheirStepsInOrderAndFaultsNameTheFirstOffendingByteAndItsPosition)
+{
+    const auto unexpected = [](const std::string& character, int position) {
+        return "Unexpected '" + character + "' character at position " + std::to_string(position) + ".";
+    };
+    const struct {
+        std::string path;
+        std::string steps;
+        std::string message; // empty for a valid path
+    } cases[] = {
+        {"", "", ""},
+        {"a[1].b[2]", "key(a) index(1) key(b) index(2)", ""},
+        {"[3][4]", "index(3) index(4)", ""},
+        {"a.", "key(a)", ""},
+        {"a[0].b.c", "key(a) index(0) key(b) key(c)", ""},
+        {"a[123456]", "key(a) index(123456)", ""},
+        {"x[007]", "key(x) index(7)", ""},
+        {"sp ace.\xe2\x82\xac", "key(sp ace) key(\xe2\x82\xac)", ""},
+        // Steps before the fault are reported; the result is false all the same.
+        {"a.b[1]c", "key(a) key(b) index(1)", unexpected("c", 6)},
+        {"a..b", "key(a)", unexpected(".", 2)},
+        {".a", "", unexpected(".", 0)},
+        {"a[]", "key(a)", unexpected("]", 2)},
+        {"a[x]", "key(a)", unexpected("x", 2)},
+        {"a.[0]", "key(a)", unexpected("[", 2)},
+        {"a]", "", unexpected("]", 1)},
+        {"a[1[", "key(a)", unexpected("[", 3)},
+        {"a[-1]", "key(a)", unexpected("-", 2)},
+        {"a[\x80]", "key(a)", unexpected("\x80", 2)},
+        {"a[12", "key(a)", "Expected ']' character at position 4."},
+        {"[", "", "Expected ']' character at position 1."},
+        {"a[1234567]", "key(a)", "Property array out of bound: maximum array index length is 5."},
+    };
+    for (const auto& c : cases) {
+        RecordingParser parser;
+        RecordingLogger logger;
+        const unsigned int size = static_cast<unsigned int>(c.path.size());
+        EXPECT_EQ(parseProperty(c.path.data(), size, parser, &logger), c.message.empty()) << c.path;
+        EXPECT_EQ(parser.steps, c.steps) << c.path;
+        // Every fault is invalid data.
+        EXPECT_EQ(logger.lines, c.message.empty() ? Texts{} : Texts{"error|invalid data|" + c.message}) << c.path;
+        // The check walks the same grammar and must agree, message included; without a logger, silently.
+        RecordingLogger checkLogger;
+        EXPECT_EQ(checkPropertyPath(c.path.data(), size, &checkLogger), c.message.empty()) << c.path;
+        EXPECT_EQ(checkLogger.lines, logger.lines) << c.path;
+        EXPECT_EQ(checkPropertyPath(c.path.data(), size, nullptr), c.message.empty()) << c.path;
+        RecordingParser quiet;
+        EXPECT_EQ(parseProperty(c.path.data(), size, quiet, nullptr), c.message.empty()) << c.path;
+    }
+}
+
+TEST(PropertyPath, AFalseStepStopsTheParseSilently)
+{
+    RecordingLogger logger;
+    const struct {
+        const char* path;
+        int stopAt;
+        const char* steps;
+    } cases[] = {{"a.b", 0, "key(a)"}, {"a.b", 1, "key(a) key(b)"}, {"[2].a", 0, "index(2)"}};
+    for (const auto& c : cases) {
+        RecordingParser parser(c.stopAt);
+        EXPECT_FALSE(parseProperty(c.path, parser, &logger)) << c.path;
+        EXPECT_EQ(parser.steps, c.steps) << c.path;
+    }
+    EXPECT_EQ(logger.lines, Texts{});
+}
+
 TEST(PropertyPath, ArrayKeysAreTheDecimalIndexInBrackets)
 {
-    char buffer[16];
-    EXPECT_EQ(formatArrayKey(0, buffer), 3u);
-    EXPECT_STREQ(buffer, "[0]");
-    EXPECT_EQ(formatArrayKey(99999, buffer), 7u);
-    EXPECT_STREQ(buffer, "[99999]");
-    EXPECT_EQ(formatArrayKey(4294967295u, buffer), 12u);
-    EXPECT_STREQ(buffer, "[4294967295]");
-    for (unsigned int index : {1u, 9u, 10u, 100u, 12345u}) {
+    for (unsigned int index : {0u, 1u, 9u, 10u, 100u, 12345u, 99999u, 4294967295u}) {
+        char buffer[16];
         char expected[16];
-        std::snprintf(expected, sizeof(expected), "[%u]", index);
-        formatArrayKey(index, buffer);
+        const int length = std::snprintf(expected, sizeof(expected), "[%u]", index);
+        EXPECT_EQ(formatArrayKey(index, buffer), static_cast<unsigned int>(length)) << index;
         EXPECT_STREQ(buffer, expected);
     }
 }

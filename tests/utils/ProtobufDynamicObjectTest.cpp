@@ -3,6 +3,7 @@
 
 #include "support/RecordingBuilder.h"
 #include "support/TestSupport.h"
+#include "utils/DynamicObjectTestSupport.h"
 
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/DynamicObject.h>
@@ -23,11 +24,6 @@ using utils::DynamicBufferInputOutput;
 using utils::impl::ProtobufDynamicObjectBuilder;
 using utils::impl::readProtobufDynamicObject;
 
-std::string textOf(const DynamicBufferInputOutput& output)
-{
-    return output.empty() ? std::string() : std::string(output.data(), output.size());
-}
-
 struct Reading {
     bool result;
     std::string events;
@@ -44,15 +40,6 @@ Reading readText(const std::string& text, const std::string& refuse = "")
     return { result, builder.line(), logger.lines };
 }
 
-/// Refuses every write, as a full disk does.
-class FullOutput : public utils::AbstractDataInputOutput {
-public:
-    bool isWritable() const override { return true; }
-    bool write(const char*, unsigned int, utils::AbstractLogger*) override { return false; }
-    bool isReadable() const override { return false; }
-    bool read(char*, unsigned int&, utils::AbstractLogger*) override { return false; }
-};
-
 const std::string version = "version { major: 0 minor: 4 patch: 0 }\n";
 
 TEST(ProtobufDynamicObject, WritesEventsAsTextThatReadsBackAsTheSameEvents)
@@ -60,29 +47,24 @@ TEST(ProtobufDynamicObject, WritesEventsAsTextThatReadsBackAsTheSameEvents)
     DynamicBufferInputOutput output("text");
     ProtobufDynamicObjectBuilder builder(output);
     const std::string tricky("q\"\0\xc3\xa9", 5);
-    ASSERT_TRUE(builder.begin());
-    EXPECT_TRUE(builder.beginObject() && builder.objectChild("list", 4) && builder.beginArray());
-    EXPECT_TRUE(builder.arrayChild() && builder.integer(-9223372036854775807LL - 1));
-    EXPECT_TRUE(builder.arrayChild() && builder.real(0.1) && builder.arrayChild() && builder.string(tricky.data(), 5));
-    EXPECT_TRUE(builder.arrayChild() && builder.boolean(false) && builder.arrayChild() && builder.null());
-    EXPECT_TRUE(builder.arrayChild() && builder.beginArray() && builder.endArray() && builder.endArray());
-    EXPECT_TRUE(builder.objectChild("k\0y", 3) && builder.beginObject() && builder.endObject() && builder.endObject());
+    const std::string events = "begin beginObject child(list) beginArray child int(-9223372036854775808) child "
+                               "real(0.1) child string(" + tricky + ") child bool(false) child null child beginArray "
+                               "endArray endArray child(" + std::string("k\0y", 3) + ") beginObject endObject endObject";
+    EXPECT_EQ(play(builder, events), "");
     // Nothing is written before `end`.
     EXPECT_TRUE(output.empty());
-    ASSERT_TRUE(builder.end());
+    EXPECT_EQ(play(builder, "end"), "");
     // The null has become an empty object; all else reads back as it was sent.
+    std::string expected = events + " end";
+    expected.replace(expected.find("null"), 4, "beginObject endObject");
     const Reading reading = readText(textOf(output));
     EXPECT_TRUE(reading.result);
-    EXPECT_EQ(reading.events, "begin beginObject child(list) beginArray child int(-9223372036854775808) child real(0.1) "
-                              "child string(" + tricky + ") child bool(false) child beginObject endObject child "
-                              "beginArray endArray endArray child(" + std::string("k\0y", 3) + ") beginObject "
-                              "endObject endObject end");
+    EXPECT_EQ(reading.events, expected);
     EXPECT_TRUE(reading.log.empty());
 
     // The builder takes another document; the text carries the writer's version.
     output.clear();
-    EXPECT_TRUE(builder.begin() && builder.beginArray() && builder.arrayChild() && builder.string("\xe2\x82\xac", 3)
-                && builder.endArray() && builder.end());
+    EXPECT_EQ(play(builder, "begin beginArray child string(\xe2\x82\xac) endArray end"), "");
     EXPECT_EQ(textOf(output), "version {\n  major: 0\n  minor: 4\n  patch: 0\n}\nroot {\n  type: Array\n"
                               "  arrayValue {\n    type: String\n    stringValue: \"\\342\\202\\254\"\n  }\n}\n");
 }
@@ -93,35 +75,25 @@ TEST(ProtobufDynamicObject, BuilderRefusesEventsOutOfPlaceAndOutputsThatRefuseTh
     ProtobufDynamicObjectBuilder builder(output);
     RecordingLogger logger;
     builder.setLogger(&logger);
-    EXPECT_FALSE(builder.end());
-    EXPECT_FALSE(builder.integer(1));
-    ASSERT_TRUE(builder.begin());
-    EXPECT_FALSE(builder.begin());
-    EXPECT_FALSE(builder.arrayChild());
-    EXPECT_TRUE(builder.beginObject());
-    EXPECT_FALSE(builder.arrayChild());
-    EXPECT_TRUE(builder.objectChild("a") && builder.beginArray());
-    EXPECT_FALSE(builder.objectChild("b"));
-    EXPECT_FALSE(builder.end());
+    EXPECT_EQ(play(builder, "end int(1) begin begin child beginObject child child(a) beginArray child(b) end"),
+        "end int(1) begin child child child(b) end");
     EXPECT_EQ(logger.messages(), (Texts { "No build is ongoing.", "No build is ongoing.", "A build is already ongoing.",
                                           "The current property is not an array.",
                                           "The current property is not an array.",
                                           "The current property is not an object.", "Build not finished" }));
     EXPECT_EQ(logger.lines.back(), "error|invalid operation|Build not finished");
     // An unfinished build can still be finished.
-    EXPECT_TRUE(builder.endArray() && builder.endObject() && builder.end());
+    EXPECT_EQ(play(builder, "endArray endObject end"), "");
     EXPECT_EQ(readText(textOf(output)).events, "begin beginObject child(a) beginArray endArray endObject end");
 
     // A failed write drops the message, so that a new build can open; the report shows the message.
-    FullOutput full;
+    LimitedStream full(false, true, 0);
     ProtobufDynamicObjectBuilder refused(full);
     logger.lines.clear();
     refused.setLogger(&logger);
-    ASSERT_TRUE(refused.begin() && refused.integer(3));
-    EXPECT_FALSE(refused.end());
+    EXPECT_EQ(play(refused, "begin int(3) end begin"), "end");
     EXPECT_EQ(logger.lines, Texts { "error|io problem|Unable to serialize the given dynamic object: version {\n"
                                     "  major: 0\n  minor: 4\n  patch: 0\n}\nroot {\n  type: Int\n  intValue: 3\n}\n" });
-    EXPECT_TRUE(refused.begin());
     // The destructor takes the unfinished message with it.
 }
 
@@ -181,57 +153,49 @@ TEST(ProtobufDynamicObject, ReaderRefusesTextThatDoesNotParse)
     }
 }
 
-std::string eventsOf(const utils::DynamicObject& object)
-{
-    RecordingBuilder builder;
-    EXPECT_TRUE(object.visit(builder));
-    return builder.line();
-}
-
 TEST(ProtobufDynamicObject, StoresADynamicObjectInACallerOwnedBufferAndReadsItBack)
 {
+    const auto store = [](const utils::DynamicObject& object) {
+        unsigned int size = 0;
+        char* text = utils::serializeDynamicObject(size, object, nullptr);
+        EXPECT_NE(text, nullptr);
+        EXPECT_EQ(utils::details::getArrayByteCount(text), size);
+        const std::string result(text, size);
+        utils::details::releaseArray(text);
+        return result;
+    };
+    const auto load = [](const std::string& text, utils::DynamicObject& object, RecordingLogger& logger) {
+        return utils::deserializeDynamicObject(text.data(), static_cast<unsigned int>(text.size()), object, &logger);
+    };
     utils::DynamicObject object;
     object.setInt("b.list[0]", 1);
     object.setString("b.list[1]", "x");
     object.resize("b.list", 3);
     object.setReal("a", 2.5);
-    unsigned int size = 0;
-    char* text = utils::serializeDynamicObject(size, object, nullptr);
-    ASSERT_NE(text, nullptr);
-    EXPECT_EQ(utils::details::getArrayByteCount(text), size);
+    const std::string text = store(object);
     utils::DynamicObject copy;
     RecordingLogger logger;
-    EXPECT_TRUE(utils::deserializeDynamicObject(text, size, copy, &logger));
+    EXPECT_TRUE(load(text, copy, logger));
     // The null element is stored as an empty object, and an empty object that the object builder
     // opens and closes stays null in the copy: the copy is equal.
-    EXPECT_NE(readText(std::string(text, size)).events.find("child beginObject endObject endArray"), std::string::npos);
-    EXPECT_EQ(eventsOf(copy), eventsOf(object));
+    EXPECT_NE(readText(text).events.find("child beginObject endObject endArray"), std::string::npos);
+    EXPECT_EQ(dump(copy), dump(object));
     EXPECT_TRUE(logger.lines.empty());
-    utils::details::releaseArray(text);
-
     // An empty object is stored as an empty object root, not as a missing root.
-    text = utils::serializeDynamicObject(size, utils::DynamicObject(), nullptr);
-    ASSERT_NE(text, nullptr);
-    EXPECT_EQ(readText(std::string(text, size)).events, "begin beginObject endObject end");
-    utils::details::releaseArray(text);
+    EXPECT_EQ(readText(store(utils::DynamicObject())).events, "begin beginObject endObject end");
 
     // A file without a root or of another major version leaves the object alone; a corrupted
     // value keeps what came before it.
-    const std::string before = eventsOf(copy);
-    const std::string noRoot = version;
-    EXPECT_TRUE(utils::deserializeDynamicObject(noRoot.data(), static_cast<unsigned int>(noRoot.size()), copy, &logger));
-    const std::string newer = "version { major: 1 minor: 0 patch: 0 } root { type: Object }";
-    EXPECT_FALSE(utils::deserializeDynamicObject(newer.data(), static_cast<unsigned int>(newer.size()), copy, &logger));
-    EXPECT_EQ(eventsOf(copy), before);
-    const std::string corrupted = version + "root { type: Object objectValue { key: \"z\" value { type: Int intValue: 4 } }"
-                                            " objectValue { key: \"y\" value { type: Real } } }";
+    EXPECT_TRUE(load(version, copy, logger));
+    EXPECT_FALSE(load("version { major: 1 minor: 0 patch: 0 } root { type: Object }", copy, logger));
+    EXPECT_EQ(dump(copy), dump(object));
     utils::DynamicObject partial;
-    EXPECT_FALSE(utils::deserializeDynamicObject(corrupted.data(), static_cast<unsigned int>(corrupted.size()), partial,
-                                                 &logger));
+    EXPECT_FALSE(load(version + "root { type: Object objectValue { key: \"z\" value { type: Int intValue: 4 } }"
+                                " objectValue { key: \"y\" value { type: Real } } }", partial, logger));
     EXPECT_EQ(partial.getInt("z", 0), 4);
     EXPECT_EQ(logger.messages().back(), "Real property not having a real value in the protobuf file.");
 
-    FullOutput full;
+    LimitedStream full(false, true, 0);
     logger.lines.clear();
     EXPECT_FALSE(utils::serializeDynamicObjectToProtobuf(object, full, &logger));
     EXPECT_EQ(logger.lines.size(), 1u);
