@@ -61,17 +61,8 @@ private:
 
 namespace {
 
-bool checkKey(const char* key)
-{
-    ORV_CHECK(key != nullptr, "Null string given as a key");
-    // The hook returned: a missing key names nothing, and the caller gets its default.
-    return key != nullptr;
-}
-
-unsigned int measure(const char* text)
-{
-    return static_cast<unsigned int>(std::strlen(text));
-}
+using impl::checkKey;
+using impl::measure;
 
 // The conversion of x86 processors, which is what a real outside the integer range has always given.
 long long truncate(double value)

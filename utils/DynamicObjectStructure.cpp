@@ -15,17 +15,8 @@ namespace utils {
 
 namespace {
 
-bool checkKey(const char* key)
-{
-    ORV_CHECK(key != nullptr, "Null string given as a key");
-    // The hook returned: a missing key names nothing, and the operation does nothing.
-    return key != nullptr;
-}
-
-unsigned int measure(const char* text)
-{
-    return static_cast<unsigned int>(std::strlen(text));
-}
+using impl::checkKey;
+using impl::measure;
 
 // Room for "[4294967295]" and its terminator.
 constexpr unsigned int arrayKeyCapacity = 16;

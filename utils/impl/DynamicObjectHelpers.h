@@ -24,6 +24,19 @@ void DynamicObject::notify(Call call) const
 
 namespace impl {
 
+/// False, after the failed assertion, for a null key: a missing key names nothing, so the caller
+/// returns its default or does nothing when the hook returns.
+inline bool checkKey(const char* key)
+{
+    ORV_CHECK(key != nullptr, "Null string given as a key");
+    return key != nullptr;
+}
+
+inline unsigned int measure(const char* text)
+{
+    return static_cast<unsigned int>(std::strlen(text));
+}
+
 /// A counted key in an assertion text.
 struct KeyText {
     const char* text;
