@@ -26,10 +26,7 @@ TEST(DynamicObject, PathWritesCreateEveryStepAndReplaceWhatStandsInTheWay)
     DynamicObject object;
     object.setInt("a.b[2].c", 5);
     EXPECT_EQ(dump(object), "{\"a\":{\"b\":[null,null,{\"c\":5}]}}");
-    const unsigned int c = object.getProperty("a.b[2].c");
-    EXPECT_NE(c, 0u);
-    EXPECT_EQ(object.addProperty("a.b[2].c"), c);
-    EXPECT_EQ(object.getInt("a.b[2].c", 0), 5);
+    EXPECT_EQ(object.addProperty("a.b[2].c"), object.getProperty("a.b[2].c"));
     // A counted path reads only its first bytes: here `a.b[2]`, an object, which has no integer.
     EXPECT_EQ(object.getInt("a.b[2].c", 6, -1), -1);
     EXPECT_EQ(object.getType("a.b[2]", 6), type::object);
@@ -129,11 +126,8 @@ TEST(DynamicObject, ChildrenAreCountedAndAnEmptiedObjectBecomesNull)
     EXPECT_EQ(object.countChildren(parent), 2u);
     EXPECT_EQ(object.addChild(parent, "x", 1), x);
     EXPECT_EQ(object.countChildren(parent), 2u);
-    EXPECT_EQ(object.getChild(parent, "y", 1), y);
     EXPECT_EQ(object.getChild("p", "y", 1), y);
-    EXPECT_TRUE(object.hasChild(parent, "x"));
-    EXPECT_TRUE(object.hasChild("p", "x", 1));
-    EXPECT_FALSE(object.hasChild(parent, "z", 1));
+    EXPECT_TRUE(object.hasChild("p", "x", 1) && !object.hasChild(parent, "z", 1));
     EXPECT_EQ(object.getChild(parent, "x", 0), 0u);
     // A leading separator in the key is reported, and names the same child.
     {
@@ -142,22 +136,18 @@ TEST(DynamicObject, ChildrenAreCountedAndAnEmptiedObjectBecomesNull)
         EXPECT_EQ(object.addChild(root, ".p", 2), parent);
         EXPECT_EQ(capture.texts(), (Texts{"The given child key, .y is invalid.", "The given child key, .p is invalid."}));
     }
-    EXPECT_EQ(object.getProperty("p.y"), y);
     // By position, in key order.
     EXPECT_EQ(object.getChild(parent, 0u), x);
-    EXPECT_EQ(object.getChild(parent, 1u), y);
-    EXPECT_EQ(object.getChild(parent, 2u), 0u);
     EXPECT_EQ(object.getChild("p", 1u), y);
+    EXPECT_EQ(object.getChild(parent, 2u), 0u);
 
     object.setInt(x, 1);
     object.setInt(object.addChild(y, "deep", 4), 2);
     EXPECT_FALSE(object.eraseChild(parent, "z", 1));
     EXPECT_TRUE(object.eraseChild(parent, "y", 1));
     EXPECT_EQ(object.getProperty("p.y.deep"), 0u);
-    EXPECT_EQ(object.countChildren(parent), 1u);
     EXPECT_TRUE(object.eraseChild("p", "x", 1));
     EXPECT_EQ(object.getType(parent), type::null);
-    EXPECT_EQ(object.countChildren(parent), 0u);
     // The emptied property takes children again from scratch.
     EXPECT_EQ(object.getChild(parent, "x", 1), 0u);
     object.setInt(object.addChild(parent, "z"), 3);
@@ -189,11 +179,9 @@ TEST(DynamicObject, ResetAndScalarWritesRemoveWholeSubtrees)
     EXPECT_EQ(orv::allocator::Allocator::instance().getLiveBlockCount(), blocks);
     object.setInt("o.a", 1);
     object.resetProperty("o", 1);
-    object.resetProperty(object.getRoot());
-    EXPECT_TRUE(object.empty());
-    EXPECT_EQ(object.countChildren(object.getRoot()), 0u);
     // Resetting a missing path does nothing.
     object.resetProperty("missing");
+    object.resetProperty(object.getRoot());
     EXPECT_TRUE(object.empty());
 }
 
@@ -202,8 +190,6 @@ TEST(DynamicObject, ArraysGrowAndShrinkUpToTheirLimit)
     DynamicObject object;
     const unsigned int a = object.addProperty("a");
     EXPECT_TRUE(object.resize(a, 3));
-    EXPECT_EQ(object.getType(a), type::array);
-    EXPECT_EQ(dump(object), "{\"a\":[null,null,null]}");
     object.setInt(object.getChild(a, 2u), 2);
     object.setInt("a[1].x", 1);
     EXPECT_TRUE(object.resize("a", 1));
@@ -227,8 +213,6 @@ TEST(DynamicObject, ArraysGrowAndShrinkUpToTheirLimit)
     EXPECT_EQ(object.getChild(object.getProperty("b"), 99998u), last);
     // `c[99999]` parses, but the array can't reach it.
     EXPECT_EQ(object.addProperty("c[99999]"), 0u);
-    EXPECT_EQ(object.getType("c"), type::null);
-    EXPECT_EQ(object.countChildren("c"), 0u);
     object.resetProperty("b");
     EXPECT_EQ(dump(object), "{\"a\":null,\"b\":null,\"c\":null}");
 }
@@ -287,13 +271,10 @@ TEST(DynamicObject, RenamedChildrenKeepTheirHandlesAndTheirChildren)
     const unsigned int list0 = object.getProperty("p.list[0]");
 
     const unsigned int renamed = object.renameChild(p, "keep", "held");
-    EXPECT_NE(renamed, 0u);
     EXPECT_EQ(object.getProperty("p.held"), renamed);
     EXPECT_EQ(object.getProperty("p.held.x"), x);
     EXPECT_EQ(object.getProperty("p.held.y[1]"), y1);
     EXPECT_EQ(object.getProperty("p.keep"), 0u);
-    EXPECT_EQ(object.getProperty("p.keep.x"), 0u);
-    EXPECT_EQ(object.countChildren(renamed), 2u);
     EXPECT_NE(renamed, keep);
 
     const unsigned int list = object.renameChild(p, "list", 4, "array", 5);
@@ -302,10 +283,7 @@ TEST(DynamicObject, RenamedChildrenKeepTheirHandlesAndTheirChildren)
     EXPECT_EQ(dump(object), "{\"p\":{\"array\":[3],\"held\":{\"x\":1,\"y\":[null,2]},\"other\":4}}");
     // Renaming to its own name changes nothing; the renamed property works like any other.
     EXPECT_EQ(object.renameChild(p, "other", "other"), object.getProperty("p.other"));
-    object.setInt("p.held.z", 5);
-    EXPECT_TRUE(object.eraseChild(renamed, "x", 1));
     object.resetProperty(renamed);
-    EXPECT_EQ(object.countChildren(p), 3u);
     // The old name can be used again.
     object.setInt("p.keep", 6);
     EXPECT_EQ(dump(object), "{\"p\":{\"array\":[3],\"held\":null,\"keep\":6,\"other\":4}}");
@@ -314,9 +292,7 @@ TEST(DynamicObject, RenamedChildrenKeepTheirHandlesAndTheirChildren)
     DynamicObject top;
     top.setInt("a.b", 1);
     const unsigned int b = top.getProperty("a.b");
-    EXPECT_EQ(top.getProperty("c"), 0u);
-    const unsigned int c = top.renameChild(top.getRoot(), "a", "c");
-    EXPECT_EQ(top.getProperty("c"), c);
+    top.renameChild(top.getRoot(), "a", "c");
     EXPECT_EQ(top.getProperty("c.b"), b);
     EXPECT_EQ(dump(top), "{\"c\":{\"b\":1}}");
 }
@@ -340,9 +316,8 @@ TEST(DynamicObject, PutCopiesSubtreesByValueBetweenTables)
     EXPECT_STREQ(target.getStringTable().retrieve(target.getStringHash("dst.s", 0ull), "?"), "text");
 
     // A null source leaves the destination as it is.
-    target.setInt("keep", 3);
-    target.put(target.getProperty("keep"), source, source.getProperty("o.nothing"));
-    EXPECT_EQ(target.getInt("keep", 0), 3);
+    target.put(target.getProperty("dst.i"), source, source.getProperty("o.nothing"));
+    EXPECT_EQ(target.getInt("dst.i", 0), 1);
 
     // A whole object into a path, and a copy within one object.
     DynamicObject whole;

@@ -1,17 +1,22 @@
-// DynamicObject as a producer of builder events.
+// The walks over a dynamic object: the depth-first iterator, the children walk under it, and the
+// object as a producer of builder events.
 
 #include "support/RecordingBuilder.h"
 #include "support/TestSupport.h"
+#include "utils/DynamicObjectTestSupport.h"
 
 #include <orv/utils/DynamicObject.h>
+#include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+using orv::test::dump;
 using orv::test::RecordingBuilder;
 using orv::utils::DynamicObject;
+using orv::utils::DynamicObjectIterator;
 using orv::utils::StringTable;
 using namespace std::string_literals;
 
@@ -83,4 +88,69 @@ TEST(DynamicObjectVisit, TheTrieDumpShowsEveryNodeAndLinkAndUnknownStringsAreMar
     builder.clear();
     EXPECT_TRUE(object.visitTrie(object.getProperty("a"), builder));
     EXPECT_NE(builder.line().find("string(unknown string)"), std::string::npos);
+}
+
+namespace {
+
+/// The keys the walk stops at, with the property's handle checked against a lookup of its path.
+std::string walk(const DynamicObject& object, unsigned int start, unsigned int maximumDepth = 0xFFFFFFFFu)
+{
+    std::string keys;
+    DynamicObjectIterator iterator(object, start, maximumDepth);
+    EXPECT_EQ(iterator.getKeyLength(), 0u);
+    EXPECT_EQ(iterator.getProperty(), start);
+    for (iterator.next(); !iterator.end(); iterator.next()) {
+        const std::string key(iterator.getKey(), iterator.getKeyLength());
+        EXPECT_EQ(std::string(iterator.getKey()), key);
+        if (start == object.getRoot()) {
+            EXPECT_EQ(object.getProperty(key.c_str()), iterator.getProperty()) << key;
+        }
+        keys += (keys.empty() ? "" : " ") + key;
+    }
+    return keys;
+}
+
+} // namespace
+
+TEST(DynamicObjectIterator, VisitsParentsBeforeChildrenInKeyOrder)
+{
+    DynamicObject object;
+    EXPECT_TRUE(DynamicObjectIterator(object).end());
+    object.setInt("b", 1);
+    object.setInt("a.x", 2);
+    object.setInt("v[0]", 10);
+    object.setInt("v[1].y", 20);
+    object.setInt("v[1].z[1]", 30);
+    object.setInt("Z", 0);
+    EXPECT_EQ(walk(object, object.getRoot()), "Z a a.x b v v[0] v[1] v[1].y v[1].z v[1].z[0] v[1].z[1]");
+    EXPECT_EQ(walk(object, object.getRoot(), 0), "Z a b v");
+    EXPECT_EQ(walk(object, object.getRoot(), 1), "Z a a.x b v v[0] v[1]");
+    EXPECT_EQ(walk(object, object.getProperty("v")), "[0] [1] [1].y [1].z [1].z[0] [1].z[1]");
+    EXPECT_EQ(walk(object, object.getProperty("v[1]")), "y z z[0] z[1]");
+    EXPECT_EQ(walk(object, object.getProperty("b")), "");
+    DynamicObjectIterator fromRoot(object);
+    EXPECT_EQ(&fromRoot.getDynamicObject(), &object);
+    EXPECT_EQ(fromRoot.next().getProperty(), object.getProperty("Z"));
+}
+
+TEST(DynamicObjectIterator, KeysThatExtendAPropertysTextAreWalkedAsItsChildren)
+{
+    // `a-x` lies in the level of `a`'s separator, on its smaller side. The children walk of `a`
+    // enters it and then stops at the separator: the true child `a.c` is not seen. Kept as is.
+    DynamicObject object;
+    object.setInt("a.c", 1);
+    object.setInt("a-x", 2);
+    EXPECT_EQ(walk(object, object.getProperty("a"), 0), "-x");
+    EXPECT_EQ(object.getChild(object.getProperty("a"), 0u), object.getProperty("a-x"));
+    // From the root, `a-x` is reached through that separator too, and the walk of the root ends there.
+    object.setInt("b", 3);
+    EXPECT_EQ(dump(object), "{\"a\":{\"-x\":2},\"a-x\":2}");
+
+    // In the other order `a`'s end lies below the character of `a-x`, outside the walk of `a`.
+    DynamicObject other;
+    other.setInt("a-x", 2);
+    other.setInt("a.c", 1);
+    other.setInt("b", 3);
+    EXPECT_EQ(walk(other, other.getProperty("a"), 0), "c");
+    EXPECT_EQ(dump(other), "{\"a\":{\"c\":1},\"a-x\":2,\"b\":3}");
 }
