@@ -40,20 +40,7 @@ TEST(AbstractObjectBuilder, RefusesWhatAConsumerDoesNotOverride)
     EXPECT_EQ(logger.lines, expected);
 }
 
-TEST(AbstractObjectBuilder, MeasuresZeroTerminatedTexts)
-{
-    RecordingBuilder builder;
-    utils::AbstractObjectBuilder& events = builder;
-    EXPECT_TRUE(events.begin() && events.beginObject() && events.objectChild("key") && events.string("some text"));
-    EXPECT_EQ(builder.line(), "begin beginObject child(key) string(some text)");
-
-    AssertionCapture capture;
-    EXPECT_FALSE(events.string(nullptr));
-    EXPECT_FALSE(events.objectChild(nullptr));
-    EXPECT_EQ(capture.texts(), (Texts { "value", "key" }));
-}
-
-TEST(ObjectBuilderC, TheTableForwardsEveryEventAndEveryRefusal)
+TEST(ObjectBuilderC, TheTableForwardsEveryEventAndEveryRefusalEvenFromACopy)
 {
     RecordingBuilder builder;
     EXPECT_EQ(orv_test_sendDocumentFromC(&builder.getWrapper()), nullptr);
@@ -66,34 +53,8 @@ TEST(ObjectBuilderC, TheTableForwardsEveryEventAndEveryRefusal)
     refusing.refuseAt("real(0.5)");
     EXPECT_STREQ(orv_test_sendDocumentFromC(&refusing.getWrapper()), "builder->real(ctx, 0.5)");
     EXPECT_EQ(refusing.line(), "begin beginObject child(a) beginArray child int(1) child real(0.5)");
-}
 
-TEST(ObjectBuilderC, MissingBuildersAndTextsAreRefused)
-{
-    RecordingBuilder builder;
-    RecordingLogger logger;
-    builder.setLogger(&logger);
-    orv_ObjectBuilder& table = builder.getWrapper();
-    EXPECT_TRUE(table.begin(table.ctx) && table.beginObject(table.ctx));
-    EXPECT_FALSE(table.objectChild(table.ctx, nullptr, 3));
-    EXPECT_TRUE(table.objectChild(table.ctx, nullptr, 0));
-    EXPECT_FALSE(table.string(table.ctx, nullptr, 5));
-    EXPECT_EQ(logger.lines,
-        (Texts { "error|invalid argument|Null text of 3 bytes passed to the object builder.",
-            "error|invalid argument|Null text of 5 bytes passed to the object builder." }));
-
-    AssertionCapture capture;
-    EXPECT_EQ(table.end(nullptr), 0);
-    EXPECT_EQ(table.boolean(nullptr, 1), 0);
-    EXPECT_EQ(table.integer(nullptr, 1), 0);
-    EXPECT_EQ(table.real(nullptr, 1.0), 0);
-    EXPECT_EQ(table.string(nullptr, "a", 1), 0);
-    EXPECT_EQ(capture.texts(), Texts(5, "ctx"));
-    EXPECT_EQ(builder.line(), "begin beginObject child()");
-}
-
-TEST(ObjectBuilderC, ACopysTableStillAddressesTheOriginal)
-{
+    // A copy's table still addresses the original.
     RecordingBuilder original;
     RecordingLogger logger;
     original.setLogger(&logger);
@@ -105,6 +66,35 @@ TEST(ObjectBuilderC, ACopysTableStillAddressesTheOriginal)
     assigned.getWrapper().null(assigned.getWrapper().ctx);
     EXPECT_EQ(original.line(), "begin null");
     EXPECT_EQ(copy.line() + assigned.line(), "");
+}
+
+TEST(ObjectBuilderC, ZeroTerminatedTextsAreMeasuredAndMissingBuildersAndTextsAreRefused)
+{
+    RecordingBuilder builder;
+    utils::AbstractObjectBuilder& events = builder;
+    EXPECT_TRUE(events.begin() && events.beginObject() && events.objectChild("key") && events.string("some text"));
+    AssertionCapture capture;
+    EXPECT_FALSE(events.string(nullptr) || events.objectChild(nullptr));
+    EXPECT_EQ(capture.texts(), (Texts { "value", "key" }));
+
+    capture.clear();
+    RecordingLogger logger;
+    builder.setLogger(&logger);
+    orv_ObjectBuilder& table = builder.getWrapper();
+    EXPECT_FALSE(table.objectChild(table.ctx, nullptr, 3));
+    EXPECT_TRUE(table.objectChild(table.ctx, nullptr, 0));
+    EXPECT_FALSE(table.string(table.ctx, nullptr, 5));
+    EXPECT_EQ(logger.lines,
+        (Texts { "error|invalid argument|Null text of 3 bytes passed to the object builder.",
+            "error|invalid argument|Null text of 5 bytes passed to the object builder." }));
+
+    EXPECT_EQ(table.end(nullptr), 0);
+    EXPECT_EQ(table.boolean(nullptr, 1), 0);
+    EXPECT_EQ(table.integer(nullptr, 1), 0);
+    EXPECT_EQ(table.real(nullptr, 1.0), 0);
+    EXPECT_EQ(table.string(nullptr, "a", 1), 0);
+    EXPECT_EQ(capture.texts(), Texts(5, "ctx"));
+    EXPECT_EQ(builder.line(), "begin beginObject child(key) string(some text) child()");
 }
 
 TEST(RecordingBuilder, MarksEveryEventThatBreaksTheGrammar)

@@ -1,6 +1,6 @@
 /* Byte streams seen from a C host: a stream made of C callbacks over a growing memory block, and
-   the C family used on it and on a stream of the library. DataInputOutputTest.cpp and the stream
-   contract suite call these functions. */
+   the C family used on it and on a stream of the library. DataInputOutputTest.cpp calls these
+   functions. */
 #include <orv/utils/c/DataInputOutput.h>
 
 #include <stdio.h>
@@ -100,8 +100,6 @@ const char* orv_test_streamsFromC(orv_DataInputOutput* closedFile)
     C_EXPECT(orv_DataInputOutput_write(io, "hello, world", 12, NULL));
     C_EXPECT(stream.lastLogger != NULL); /* a wrapper around no record, never null */
     C_EXPECT(orv_DataInputOutput_peekRead(io, buffer, &size, &logger) && size == 5 && memcmp(buffer, "hello", 5) == 0);
-    size = 16;
-    C_EXPECT(orv_DataInputOutput_read(io, buffer, &size, &logger) && size == 12);
 
     /* Missing callbacks refuse without a word, and an empty description gets the default. */
     C_EXPECT(strcmp(orv_DataInputOutput_getDescription(bare), "no description") == 0);
@@ -109,8 +107,7 @@ const char* orv_test_streamsFromC(orv_DataInputOutput* closedFile)
     C_EXPECT(!orv_DataInputOutput_write(bare, "x", 1, &logger));
     size = 4;
     C_EXPECT(!orv_DataInputOutput_read(bare, buffer, &size, &logger) && size == 4);
-    C_EXPECT(!orv_DataInputOutput_peekRead(bare, buffer, &size, &logger) && size == 4);
-    C_EXPECT(reported[0] == '\0');
+    C_EXPECT(!orv_DataInputOutput_peekRead(bare, buffer, &size, &logger) && size == 4 && reported[0] == '\0');
 
     /* A stream of the library reports to the C record through the wrapper made for the call. */
     C_EXPECT(!orv_DataInputOutput_write(closedFile, "x", 1, &logger));

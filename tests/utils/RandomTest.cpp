@@ -107,21 +107,18 @@ TEST(Random, GivesTheReferenceWordsOfTheKey1234)
 
 TEST(Random, CopiesGoOnIndependentlyFromTheSamePlace)
 {
-    // Copies of a stream that is not seeded yet, in the middle of a block and at its end.
-    for (unsigned int drawn : { 0u, 300u, 624u }) {
+    // Copies of a stream that is not seeded yet, in the middle of a block, at its last word and at its end.
+    for (unsigned int drawn : { 0u, 300u, 623u, 624u }) {
         Random original(1234);
         draw(original, drawn);
         Random copy(original);
+        Random assigned(5);
+        draw(assigned, 10);
+        assigned = original;
         EXPECT_EQ(draw(copy, 900), referenceSlice(drawn, 900)) << drawn;
         EXPECT_EQ(draw(original, 900), referenceSlice(drawn, 900)) << drawn;
+        EXPECT_EQ(draw(assigned, 700), referenceSlice(drawn, 700)) << drawn;
     }
-    Random target(5);
-    draw(target, 10);
-    Random source(1234);
-    draw(source, 623);
-    target = source;
-    EXPECT_EQ(draw(target, 3), referenceSlice(623, 3));
-    EXPECT_EQ(draw(source, 3), referenceSlice(623, 3));
 }
 
 TEST(Random, BoundedDrawsUseTheHighBitsAndConsumeWhatTheyReject)
@@ -183,19 +180,17 @@ TEST(Random, RestoresAtEveryPlaceFromItsText)
     }
 
     // The stored seed of a derived stream is its own, so no manager is needed to restore it.
-    RandomManager manager;
-    Random derived = manager.createRandomStream(3);
+    Random derived = RandomManager().createRandomStream(3);
     draw(derived, 5);
     const std::string text = serialize(derived, serializeRandom);
     EXPECT_EQ(text, streamText(5, 0x0FFFF000u ^ 3u));
     Random restored(0);
     ASSERT_TRUE(deserialize(text, restored, nullptr, deserializeRandom));
-    Random expected(0x0FFFF000u ^ 3u);
-    draw(expected, 5);
-    EXPECT_EQ(draw(restored, 700), draw(expected, 700));
+    const Words expected = drawFresh(0x0FFFF000u ^ 3u, 705);
+    EXPECT_EQ(draw(restored, 700), Words(expected.begin() + 5, expected.end()));
 }
 
-TEST(Random, RefusesBadTextsAndKeepsTheStream)
+TEST(Random, StreamsAndManagersRefuseBadTextsAndKeepTheirState)
 {
     const std::string unable = "Unable to deserialize a random stream: ";
     const std::string error = "Error while deserializing random: ";
@@ -211,7 +206,8 @@ TEST(Random, RefusesBadTextsAndKeepsTheStream)
         { "garbage { version { major: 0 minor: 4 patch: 0 } }", unable },
         { "version { major: 0 minor: 4 patch: 1 } random { seed: 1 count: 2 }",
             error + "The file originates from a version, v0.4.1" + incompatible },
-        { "version { major: 1 minor: 2 patch: 3 }", error + "The file originates from a version, v1.2.3" + incompatible },
+        { "version { major: 1 minor: 2 patch: 3 }",
+            error + "The file originates from a version, v1.2.3" + incompatible },
         { "version { major: 0 minor: 4 patch: 0 }", error + "expected field random not found" },
         { "version { major: 0 minor: 4 patch: 0 } random { count: 2 }", error + "expected field seed not found" },
         { "version { major: 0 minor: 4 patch: 0 } random { seed: 1234 }", error + "expected field count not found" },
@@ -229,6 +225,27 @@ TEST(Random, RefusesBadTextsAndKeepsTheStream)
         Random silent(1234);
         EXPECT_FALSE(deserialize(text, silent, nullptr, deserializeRandom));
         EXPECT_EQ(silent(), referenceWords()[0]);
+    }
+
+    const std::string good = managerText("77");
+    const std::pair<std::string, std::string> managerCases[] = {
+        { "", "Unable to deserialize a random manager: " },
+        { good.substr(0, good.size() - 3), "Unable to deserialize a random manager: " + good },
+        { streamText(2, 1), "Unable to deserialize a random manager: " + versionText },
+        { "version { major: 0 minor: 4 patch: 1 } randomManager { seed: 1 }",
+            "Error while deserializing random manager: The file originates from a version, v0.4.1" + incompatible },
+        { versionText, "Error while deserializing random manager: expected field randomManager not found" },
+        { versionText + "randomManager { }",
+            "Error while deserializing random manager: expected field seed not found" },
+    };
+    for (const auto& [text, message] : managerCases) {
+        RandomManager manager;
+        manager.seed(12345);
+        RecordingLogger logger;
+        EXPECT_FALSE(deserialize(text, manager, &logger, deserializeRandomManager)) << text;
+        EXPECT_EQ(logger.lines, Texts { "error|invalid data|" + message }) << text;
+        EXPECT_FALSE(deserialize(text, manager, nullptr, deserializeRandomManager));
+        EXPECT_EQ(manager.getSeed(), 12345u) << text;
     }
 }
 
@@ -281,24 +298,20 @@ TEST(SfmtGenerator, BackwardPassUndoesTheForwardPassInBothForms)
     alignas(16) std::uint32_t native[details::sfmt::wordCount];
     std::copy(std::begin(start), std::end(start), portable);
     std::copy(std::begin(start), std::end(start), native);
-    for (int pass = 0; pass < 3; ++pass) {
-        details::sfmt::portable::forwardPass(portable);
-        details::sfmt::forwardPass(native);
+    // Three passes forward, then three back.
+    for (int pass = 0; pass < 6; ++pass) {
+        (pass < 3 ? details::sfmt::portable::forwardPass : details::sfmt::portable::backwardPass)(portable);
+        (pass < 3 ? details::sfmt::forwardPass : details::sfmt::backwardPass)(native);
         ASSERT_TRUE(std::equal(std::begin(portable), std::end(portable), native)) << pass;
+        ASSERT_EQ(std::equal(std::begin(start), std::end(start), native), pass == 5) << pass;
     }
-    ASSERT_FALSE(std::equal(std::begin(start), std::end(start), native));
-    for (int pass = 0; pass < 3; ++pass) {
-        details::sfmt::portable::backwardPass(portable);
-        details::sfmt::backwardPass(native);
-        ASSERT_TRUE(std::equal(std::begin(portable), std::end(portable), native)) << pass;
-    }
-    EXPECT_TRUE(std::equal(std::begin(start), std::end(start), native));
 }
 
-TEST(RandomManager, DerivesStreamsFromTheMasterSeedAtTheirMaking)
+TEST(RandomManager, DerivesStreamsFromTheMasterSeedAtTheirMakingAndStoresItAsText)
 {
     RandomManager manager;
     EXPECT_EQ(manager.getSeed(), 0x0FFFF000u);
+    EXPECT_EQ(serialize(manager, serializeRandomManager), managerText("268431360"));
     Random master = manager.createRandomStream(0);
     Random numbered = manager.createRandomStream(0x00F0000Fu);
     EXPECT_EQ(draw(master, 700), drawFresh(0x0FFFF000u, 700));
@@ -311,12 +324,7 @@ TEST(RandomManager, DerivesStreamsFromTheMasterSeedAtTheirMaking)
     Random after = manager.createRandomStream(5);
     EXPECT_EQ(draw(before, 10), drawFresh(0x0FFFF000u ^ 5u, 10));
     EXPECT_EQ(draw(after, 10), drawFresh(0xCAFEBABEu ^ 5u, 10));
-}
 
-TEST(RandomManager, StoresItsMasterSeedAsText)
-{
-    RandomManager manager;
-    EXPECT_EQ(serialize(manager, serializeRandomManager), managerText("268431360"));
     manager.seed(0xFFFFFFFFu);
     const std::string text = serialize(manager, serializeRandomManager);
     EXPECT_EQ(text, managerText("4294967295"));
@@ -332,31 +340,4 @@ TEST(RandomManager, StoresItsMasterSeedAsText)
     ASSERT_TRUE(deserialize(std::string("randomManager { seed: 17 } version { patch: 0 minor: 4 major: 0 }"), restored,
         nullptr, deserializeRandomManager));
     EXPECT_EQ(restored.getSeed(), 17u);
-}
-
-TEST(RandomManager, RefusesBadTextsAndKeepsItsSeed)
-{
-    const std::string unable = "Unable to deserialize a random manager: ";
-    const std::string error = "Error while deserializing random manager: ";
-    const std::string good = managerText("77");
-    const std::pair<std::string, std::string> cases[] = {
-        { "", unable },
-        { good.substr(0, good.size() - 3), unable + managerText("77") },
-        { "version { major: 0 minor: 4 patch: 0 } random { seed: 1 count: 2 }", unable + versionText },
-        { "version { major: 0 minor: 4 patch: 1 } randomManager { seed: 1 }",
-            error
-                + "The file originates from a version, v0.4.1, that is not compatible with the current version, "
-                  "v0.4.0." },
-        { "version { major: 0 minor: 4 patch: 0 }", error + "expected field randomManager not found" },
-        { "version { major: 0 minor: 4 patch: 0 } randomManager { }", error + "expected field seed not found" },
-    };
-    for (const auto& [text, message] : cases) {
-        RandomManager manager;
-        manager.seed(12345);
-        RecordingLogger logger;
-        EXPECT_FALSE(deserialize(text, manager, &logger, deserializeRandomManager)) << text;
-        EXPECT_EQ(logger.lines, Texts { "error|invalid data|" + message }) << text;
-        EXPECT_FALSE(deserialize(text, manager, nullptr, deserializeRandomManager));
-        EXPECT_EQ(manager.getSeed(), 12345u) << text;
-    }
 }
