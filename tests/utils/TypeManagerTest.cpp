@@ -86,7 +86,7 @@ std::vector<const FakeProperty*> allByIndex(const FakeType& type)
 
 } // namespace
 
-TEST(TypeManager, RegistersATypeOnceUnderOneIdAndOneName)
+TEST(TypeManager, RegistersATypeOnceUnderOneIdAndOneNameAndAssertsOnUnknownOnes)
 {
     TypeManager manager;
     RecordingLogger logger;
@@ -121,11 +121,8 @@ TEST(TypeManager, RegistersATypeOnceUnderOneIdAndOneName)
     manager.unregisterType(idA);
     EXPECT_FALSE(manager.isTypeRegistered("A"));
     EXPECT_TRUE(manager.registerType(idC, "A", &logger));
-}
 
-TEST(TypeManager, LookUpsOfUnknownTypesAreBrokenContracts)
-{
-    TypeManager manager;
+    // Look-ups of unknown types are broken contracts.
     AssertionCapture capture;
     EXPECT_EQ(manager.getTypeId("missing"), Uuid());
     EXPECT_STREQ(manager.getTypeName(unknownId), "");
