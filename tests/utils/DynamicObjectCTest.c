@@ -49,8 +49,7 @@ const char* orv_test_dynamicObjectFromC(orv_DynamicObject* shared)
     child = orv_dynamicObject_addChildAtKey(o, root, "b", 1);
     C_EXPECT(child != 0 && orv_dynamicObject_addChildAtKey(o, root, "b", 1) == child);
     C_EXPECT(orv_dynamicObject_getChildAtKey(o, root, "b", 1) == child);
-    C_EXPECT(orv_dynamicObject_hasChildAtKey(o, root, "a", 1));
-    C_EXPECT(!orv_dynamicObject_hasChildAtKey(o, root, "c", 1));
+    C_EXPECT(orv_dynamicObject_hasChildAtKey(o, root, "a", 1) && !orv_dynamicObject_hasChildAtKey(o, root, "c", 1));
     C_EXPECT(orv_dynamicObject_countChildren(o, root) == 2);
     orv_dynamicObject_resetProperty(o, list);
     C_EXPECT(orv_dynamicObject_getType(o, list) == 0);
@@ -82,8 +81,7 @@ const char* orv_test_dynamicObjectMisuseFromC(void)
     orv_dynamicObject_setString(o, value, NULL, 3);
     C_EXPECT(orv_dynamicObject_getInt(o, value, 0) == 5);
     /* Paths that don't parse are no misuse; the steps before the fault stay. */
-    C_EXPECT(orv_dynamicObject_addProperty(o, "a..b", 4) == 0);
-    C_EXPECT(orv_dynamicObject_addProperty(o, "a[x]", 4) == 0);
+    C_EXPECT(orv_dynamicObject_addProperty(o, "a..b", 4) == 0 && orv_dynamicObject_addProperty(o, "a[x]", 4) == 0);
     C_EXPECT(orv_dynamicObject_addChildAtKey(o, root, "x.y", 3) == 0);
     C_EXPECT(orv_dynamicObject_addChildAtKey(o, root, "", 0) == 0);
     C_EXPECT(orv_dynamicObject_countChildren(o, root) == 2);

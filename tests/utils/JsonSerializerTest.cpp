@@ -14,7 +14,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <random>
 #include <string>
 
@@ -30,27 +29,19 @@ std::string refusal(const std::string& message)
     return "error|invalid operation|" + message;
 }
 
-class JsonSerializerTest : public testing::Test {
-protected:
-    JsonSerializerTest() { serializer_.setLogger(&logger_); }
-
-    DynamicBufferInputOutput output_ { "json" };
-    JsonSerializer serializer_ { output_, false };
-    RecordingLogger logger_;
-};
-
-TEST_F(JsonSerializerTest, WritesEveryKindOfValue)
+TEST(JsonSerializer, WritesEveryKindOfValue)
 {
-    EXPECT_EQ(play(serializer_, "begin beginObject child(a) real(1) child(list) beginArray child "
+    DynamicBufferInputOutput output("json");
+    JsonSerializer serializer(output, false);
+    EXPECT_EQ(play(serializer, "begin beginObject child(a) real(1) child(list) beginArray child "
                                 "int(-9223372036854775808) child int(0) child int(9223372036854775807) child null "
                                 "child bool(true) child bool(false) child"),
         "");
-    EXPECT_TRUE(serializer_.string("say \"hi\"\n\\/", 11));
-    EXPECT_EQ(play(serializer_, "child beginObject endObject endArray child(k\"eyX) string() endObject end"), "");
-    EXPECT_EQ(textOf(output_),
+    EXPECT_TRUE(serializer.string("say \"hi\"\n\\/", 11));
+    EXPECT_EQ(play(serializer, "child beginObject endObject endArray child(k\"eyX) string() endObject end"), "");
+    EXPECT_EQ(textOf(output),
         "{\"a\":1.0,\"list\":[-9223372036854775808,0,9223372036854775807,null,true,false,"
         "\"say \\\"hi\\\"\\n\\\\/\",{}],\"k\\\"eyX\":\"\"}");
-    EXPECT_TRUE(logger_.lines.empty());
 
     DynamicBufferInputOutput pretty("pretty");
     JsonSerializer beautifier(pretty, true);
@@ -98,14 +89,15 @@ TEST(JsonSerializer, RefusesEventsOutOfTurnAndValuesJsonCannotHoldAndGoesOn)
     EXPECT_EQ(play(abandoned, "begin beginObject"), "");
 }
 
-TEST_F(JsonSerializerTest, AFailedWriteDoesNotStopTheBuild)
+TEST(JsonSerializer, AFailedWriteDoesNotStopTheBuild)
 {
     utils::FileInputOutput closed("not/open.json");
     JsonSerializer serializer(closed, false);
-    serializer.setLogger(&logger_);
-    EXPECT_TRUE(serializer.begin() && serializer.beginArray() && serializer.endArray() && serializer.end());
+    RecordingLogger logger;
+    serializer.setLogger(&logger);
+    EXPECT_EQ(play(serializer, "begin beginArray endArray end"), "");
     EXPECT_EQ(
-        logger_.lines, Texts(2, refusal("Can't write to the io on not/open.json, it is not currently writable.")));
+        logger.lines, Texts(2, refusal("Can't write to the io on not/open.json, it is not currently writable.")));
 }
 
 /// The text that "%.20g" gives in the current locale, with ".0" when it reads as an integer.
@@ -121,12 +113,9 @@ std::string serializeReal(double value)
 {
     DynamicBufferInputOutput output("real");
     JsonSerializer serializer(output, false);
-    serializer.begin();
-    serializer.beginArray();
-    serializer.arrayChild();
+    play(serializer, "begin beginArray child");
     EXPECT_TRUE(serializer.real(value)) << reference(value);
-    serializer.endArray();
-    serializer.end();
+    play(serializer, "endArray end");
     const std::string text = textOf(output);
     return text.size() >= 2 ? text.substr(1, text.size() - 2) : text;
 }
