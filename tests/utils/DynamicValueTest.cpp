@@ -93,7 +93,9 @@ TEST(DynamicValue, StringsOwnTheirBytesAndReuseTheirAllocation)
     value.setString("changed");
     EXPECT_STREQ(copy.getString(), "thi");
     copy = value;
-    copy = copy;
+    // Assigning a value to itself must not free the text it is about to copy.
+    DynamicValue& alias = copy;
+    copy = alias;
     EXPECT_STREQ(copy.getString(), "changed");
     EXPECT_EQ(liveBlocks(), before + 2);
 

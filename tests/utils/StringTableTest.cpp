@@ -192,7 +192,8 @@ TEST(StringTable, CopiesOwnTheirStringsAndOutliveTheirSource)
     StringTable assigned(7687);
     const unsigned long long gone = assigned.add("gamma", nullptr);
     assigned = *source;
-    assigned = assigned;
+    StringTable& alias = assigned;
+    assigned = alias;
     EXPECT_NE(copy.retrieve(a, nullptr), source->retrieve(a, nullptr));
     source.reset();
 
