@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Runs every test: installs what is missing, builds, runs the suite through CTest, installs the
-# library into a scratch prefix and builds and runs the example consumers against it.
-# With arguments, runs the suite under those presets instead (default, asan, tsan, clang).
+# Runs every test: installs what is missing, builds and runs the suite through CTest in the normal
+# build and under the address/undefined-behaviour and thread sanitizers, then installs the library
+# into a scratch prefix and builds and runs the example consumers against it.
+# With arguments, runs the suite under those presets only (default, asan, tsan, clang).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
 presets=("$@")
-[ "${#presets[@]}" -gt 0 ] || presets=(default)
+[ "${#presets[@]}" -gt 0 ] || presets=(default asan tsan)
 
 for preset in "${presets[@]}"; do
   echo "== ${preset}: build"
