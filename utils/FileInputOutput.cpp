@@ -35,16 +35,20 @@ FileInputOutput::FileInputOutput(const char* path)
 // The scoped pointers close the streams; `close` is not called.
 FileInputOutput::~FileInputOutput() = default;
 
-bool FileInputOutput::openForReading(AbstractLogger* logger)
+bool FileInputOutput::refuseWhileOpen(const char* purpose, AbstractLogger* logger) const
 {
-    if (isWritable()) {
-        ORV_LOG_ERROR(logger, error::invalidOperation,
-            "Can't open the io on " << path_ << " for reading, it is already open for writing.");
+    const char* openFor = isWritable() ? "writing" : (isReadable() ? "reading" : nullptr);
+    if (openFor == nullptr) {
         return false;
     }
-    if (isReadable()) {
-        ORV_LOG_ERROR(logger, error::invalidOperation,
-            "Can't open the io on " << path_ << " for reading, it is already open for reading.");
+    ORV_LOG_ERROR(logger, error::invalidOperation,
+        "Can't open the io on " << path_ << " for " << purpose << ", it is already open for " << openFor << ".");
+    return true;
+}
+
+bool FileInputOutput::openForReading(AbstractLogger* logger)
+{
+    if (refuseWhileOpen("reading", logger)) {
         return false;
     }
     // Replaces a stream left at the end of its file or failed.
@@ -62,14 +66,7 @@ bool FileInputOutput::openForReading(AbstractLogger* logger)
 
 bool FileInputOutput::openForWriting(AbstractLogger* logger)
 {
-    if (isWritable()) {
-        ORV_LOG_ERROR(logger, error::invalidOperation,
-            "Can't open the io on " << path_ << " for writing, it is already open for writing.");
-        return false;
-    }
-    if (isReadable()) {
-        ORV_LOG_ERROR(logger, error::invalidOperation,
-            "Can't open the io on " << path_ << " for writing, it is already open for reading.");
+    if (refuseWhileOpen("writing", logger)) {
         return false;
     }
     output_.reset(newOutputStream(path_));

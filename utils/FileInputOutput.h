@@ -38,6 +38,9 @@ public:
     FileInputOutput& operator=(const FileInputOutput&) = delete;
 
 private:
+    /// True, after reporting it, when the file is already open for reading or writing.
+    bool refuseWhileOpen(const char* purpose, AbstractLogger* logger) const;
+
     String path_;
     ScopedPtr<std::ifstream> input_;
     ScopedPtr<std::ofstream> output_;
