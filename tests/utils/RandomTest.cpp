@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <string>
@@ -285,6 +286,67 @@ TEST(SfmtGenerator, MovesToAnyPlaceForwardsAndBackwards)
     moved.reset();
     EXPECT_EQ(moved.getCount(), 0);
     EXPECT_EQ(moved.next(), words[0]);
+}
+
+TEST(SfmtGenerator, JumpsFarAheadToTheWordsThePassesGive)
+{
+    const auto nextWords = [](details::SfmtGenerator& generator) {
+        Words words;
+        for (int i = 0; i < 700; ++i) {
+            words.push_back(generator.next());
+        }
+        return words;
+    };
+    // The jumped stream against one moved in steps short enough to run plain passes, on both sides
+    // of the threshold, from a fresh stream, from one already drawn from and from one moved before
+    // its first word, to the start and to the middle of a block of words.
+    for (long long passes : { 4096LL, 4097LL, 4098LL, 4252LL, 7001LL }) {
+        for (long long start : { 0LL, 1000LL, -5000LL }) {
+            for (long long offset : { 0LL, 17LL }) {
+                const long long target = start + passes * 624 + offset;
+                details::SfmtGenerator jumped(1234);
+                details::SfmtGenerator stepped(1234);
+                jumped.advance(start);
+                stepped.advance(start);
+                for (long long place = start; place < target;) {
+                    place = std::min(target, place + 1000 * 624);
+                    stepped.advance(place);
+                }
+                jumped.advance(target);
+                EXPECT_EQ(jumped.getCount(), target);
+                EXPECT_EQ(nextWords(jumped), nextWords(stepped)) << passes << " from " << start << " + " << offset;
+            }
+        }
+    }
+
+    // The recurrence holds for every stream, not only for the state it was found from.
+    for (unsigned int seed : { 0u, 1u, 42u, 0xFFFFFFFFu, 0x0FFFF000u ^ 3u }) {
+        details::SfmtGenerator jumped(seed);
+        details::SfmtGenerator stepped(seed);
+        jumped.advance(4100 * 624 + 3);
+        stepped.advance(2050 * 624);
+        stepped.advance(4100 * 624 + 3);
+        EXPECT_EQ(nextWords(jumped), nextWords(stepped)) << seed;
+    }
+
+    // A stored count near 2^62 is restored at once, and the place agrees with two jumps of half the
+    // distance each, and with a backward move from further on.
+    const long long far = 1LL << 62;
+    Random restored(7);
+    ASSERT_TRUE(deserialize(versionText + "random { seed: 1234 count: " + std::to_string(far) + " }", restored, nullptr,
+        deserializeRandom));
+    EXPECT_EQ(serialize(restored, serializeRandom),
+        versionText + "random {\n  seed: 1234\n  count: " + std::to_string(far) + "\n}\n");
+    details::SfmtGenerator halves(1234);
+    halves.advance(far / 2);
+    halves.advance(far);
+    details::SfmtGenerator back(1234);
+    back.advance(far + 3 * 624 + 5);
+    back.advance(far);
+    const Words expected = nextWords(halves);
+    EXPECT_EQ(draw(restored, 700), expected);
+    EXPECT_EQ(nextWords(back), expected);
+    EXPECT_NE(Words(expected.begin(), expected.begin() + 4), referenceSlice(0, 4));
 }
 
 TEST(SfmtGenerator, BackwardPassUndoesTheForwardPassInBothForms)

@@ -1,5 +1,6 @@
 #include <orv/utils/details/SfmtGenerator.h>
 
+#include <orv/utils/details/SfmtJump.h>
 #include <orv/utils/details/SfmtRecursion.h>
 
 #include <algorithm>
@@ -11,6 +12,10 @@ namespace details {
 namespace {
 
 constexpr unsigned int lag = 11;
+// Past this many passes a jump is used: a stored count may be anything up to 2^63, which passes one
+// by one would take years to reach, while a jump takes about a tenth of a second at any distance.
+// Shorter moves keep the plain passes.
+constexpr long long jumpPasses = 4096;
 constexpr unsigned int mid = (SfmtGenerator::wordCount - lag) / 2;
 
 unsigned int firstMix(unsigned int x)
@@ -143,6 +148,10 @@ void SfmtGenerator::refill()
 
 void SfmtGenerator::recurse(long long passes)
 {
+    if (passes > jumpPasses) {
+        sfmt::jumpForward(state_, static_cast<unsigned long long>(passes));
+        return;
+    }
     for (; passes > 0; --passes) {
         sfmt::forwardPass(state_);
     }
