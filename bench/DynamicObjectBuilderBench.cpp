@@ -8,6 +8,8 @@
 #include <orv/utils/DynamicObjectBuilder.h>
 #include <orv/utils/DynamicObjectIterator.h>
 
+#include "NullBuilder.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -71,23 +73,7 @@ struct Shape {
     std::size_t elements;
 };
 
-/// Takes every event and keeps nothing.
-class DiscardingBuilder : public AbstractObjectBuilder {
-public:
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool integer(long long) override { return true; }
-    bool real(double) override { return true; }
-    using AbstractObjectBuilder::string;
-    bool string(const char*, unsigned int) override { return true; }
-    bool beginObject() override { return true; }
-    using AbstractObjectBuilder::objectChild;
-    bool objectChild(const char*, unsigned int) override { return true; }
-    bool endObject() override { return true; }
-    bool beginArray() override { return true; }
-    bool arrayChild() override { return true; }
-    bool endArray() override { return true; }
-};
+using orv::bench::NullBuilder;
 
 void DynamicObjectBuild(benchmark::State& state)
 {
@@ -145,7 +131,7 @@ void DynamicObjectVisitDiscarding(benchmark::State& state)
     DynamicObject object;
     DynamicObjectBuilder builder(object, 0);
     shape.send(builder);
-    DiscardingBuilder discarding;
+    NullBuilder discarding;
     const double start = threadSeconds();
     for (auto _ : state) {
         if (!object.visit(discarding)) {

@@ -14,6 +14,8 @@
 
 #include "JsonDocuments.h"
 
+#include "NullBuilder.h"
+
 #include <benchmark/benchmark.h>
 #include <nlohmann/json.hpp>
 #include <rapidjson/document.h>
@@ -35,25 +37,7 @@ double threadSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-/// A consumer that takes every event and keeps nothing.
-class NullBuilder : public orv::utils::AbstractObjectBuilder {
-public:
-    bool begin() override { return true; }
-    bool end() override { return true; }
-    bool null() override { return true; }
-    bool boolean(bool) override { return true; }
-    bool integer(long long) override { return true; }
-    bool real(double) override { return true; }
-    using AbstractObjectBuilder::string;
-    bool string(const char*, unsigned int) override { return true; }
-    bool beginObject() override { return true; }
-    using AbstractObjectBuilder::objectChild;
-    bool objectChild(const char*, unsigned int) override { return true; }
-    bool endObject() override { return true; }
-    bool beginArray() override { return true; }
-    bool arrayChild() override { return true; }
-    bool endArray() override { return true; }
-};
+using orv::bench::NullBuilder;
 
 struct RawParser {
     decltype(&yajl_alloc) alloc;

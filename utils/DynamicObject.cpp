@@ -1,6 +1,7 @@
 #include <orv/utils/DynamicObject.h>
 
 #include <orv/utils/AbstractPropertyParser.h>
+#include <orv/utils/details/TypeCompatibility.h>
 #include <orv/utils/AssertingLogger.h>
 #include <orv/utils/DynamicObjectBuilder.h>
 #include <orv/utils/DynamicValue.h>
@@ -622,23 +623,7 @@ type::Type DynamicObject::getType(const char* key, unsigned int length) const
 
 bool DynamicObject::isTypeCompatible(unsigned int property, type::Type type) const
 {
-    switch (getType(property)) {
-    case type::null:
-        return true;
-    case type::integer:
-    case type::real:
-        return type == type::integer || type == type::real;
-    case type::string:
-        return type == type::string;
-    case type::boolean:
-        return type == type::boolean;
-    case type::array:
-        return type == type::array;
-    case type::object:
-        return type == type::object;
-    default:
-        return false;
-    }
+    return details::isTypeCompatible(getType(property), type);
 }
 
 bool DynamicObject::isTypeCompatible(const char* key, type::Type type) const

@@ -1,6 +1,7 @@
 #include <orv/utils/DynamicValue.h>
 
 #include <orv/allocator/Allocator.h>
+#include <orv/utils/details/TypeCompatibility.h>
 #include <orv/utils/Assertion.h>
 
 #include <cstring>
@@ -206,19 +207,8 @@ type::Type DynamicValue::getType() const
 
 bool DynamicValue::isTypeCompatible(type::Type type) const
 {
-    switch (type_) {
-    case type::null:
-        return true;
-    case type::integer:
-    case type::real:
-        return type == type::integer || type == type::real;
-    case type::string:
-        return type == type::string;
-    case type::boolean:
-        return type == type::boolean;
-    default:
-        return false;
-    }
+    // The tag is never array or object, so the shared rule gives the value's own table.
+    return details::isTypeCompatible(static_cast<type::Type>(type_), type);
 }
 
 bool DynamicValue::operator==(const DynamicValue& other) const
