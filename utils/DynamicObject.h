@@ -187,6 +187,13 @@ public:
     bool hasChild(unsigned int parent, const char* key) const;
     bool hasChild(const char* parentKey, const char* key, unsigned int length) const;
     bool hasChild(const char* parentKey, unsigned int parentLength, const char* key, unsigned int length) const;
+    /// Whether the subtree fits the registered type `id`: for a type of object kind, each child
+    /// found under one of the type's property keys (inherited ones included) must fit that
+    /// property's value type, recursively, and children under other keys are not looked at; for
+    /// any other kind, the stored type decides. False for handle 0 and for an unregistered id.
+    bool isTypeCompatible(unsigned int property, const Uuid& id, const TypeManager& manager) const;
+    bool isTypeCompatible(const char* key, const Uuid& id, const TypeManager& manager) const;
+    bool isTypeCompatible(const char* key, unsigned int length, const Uuid& id, const TypeManager& manager) const;
 
     /// Renames a child of `parent`; the child and its descendants keep their handles.
     unsigned int renameChild(unsigned int parent, const char* key, unsigned int length, const char* newKey,
