@@ -4,6 +4,7 @@
 #include <orv/utils/AssertingLogger.h>
 #include <orv/utils/Facilities.h>
 #include <orv/utils/LoggerCWrapper.h>
+#include <orv/utils/Property.h>
 #include <orv/utils/c/TypeManager.h>
 #include <orv/utils/details/ClassTypeId.h>
 #include <orv/utils/details/Logging.h>
@@ -39,8 +40,21 @@ struct BaseType {
     MetadataStep setMetadata;
 };
 
-// The x, y, z (and w) real properties of the vector and quaternion types, and the metadata
-// setters of StaticObject and ScriptedParams, fill the empty steps once properties and reflected
+// The components of the vector and quaternion types are real properties of their owner.
+template <const Uuid& (*owner)(), unsigned int count> bool registerComponents(TypeManager& manager, AbstractLogger* logger)
+{
+    static const char* const keys[] = { "x", "y", "z", "w" };
+    static_assert(count <= sizeof(keys) / sizeof(keys[0]), "a type has at most four components");
+    for (unsigned int i = 0; i < count; ++i) {
+        if (!manager.registerProperty(owner(), Property(keys[i], owner(), details::getClassTypeId<double>(), manager),
+                                      logger)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The metadata setters of StaticObject and ScriptedParams fill their empty steps once reflected
 // objects exist.
 const BaseType baseTypes[] = {
     { &details::getClassTypeId<int>, "int", nullptr },
@@ -51,9 +65,12 @@ const BaseType baseTypes[] = {
     { &details::getClassTypeId<String>, "orv::utils::String", nullptr },
     { &details::getClassTypeId<std::string>, "std::String", nullptr },
     { &details::getClassTypeId<const char*>, "cstring", nullptr },
-    { &details::getClassTypeId<Vector3<double>>, "orv::utils::Vector3r", nullptr },
-    { &details::getClassTypeId<Vector2<double>>, "orv::utils::Vector2r", nullptr },
-    { &details::getClassTypeId<Quaternion<double>>, "orv::utils::Quaternionr", nullptr },
+    { &details::getClassTypeId<Vector3<double>>, "orv::utils::Vector3r",
+      &registerComponents<details::getClassTypeId<Vector3<double>>, 3> },
+    { &details::getClassTypeId<Vector2<double>>, "orv::utils::Vector2r",
+      &registerComponents<details::getClassTypeId<Vector2<double>>, 2> },
+    { &details::getClassTypeId<Quaternion<double>>, "orv::utils::Quaternionr",
+      &registerComponents<details::getClassTypeId<Quaternion<double>>, 4> },
     { &details::getClassTypeId<DynamicObject>, "orv::utils::DynamicObject", nullptr },
     { &staticObjectTypeId, "StaticObject", nullptr },
     { &scriptedParamsTypeId, "ScriptedParams", nullptr },
@@ -78,6 +95,13 @@ const Uuid& (*const baseTypesToUnregister[])() = {
 
 const Uuid noId;
 const char* const noName = "";
+
+// What a look-up of a missing property answers when the assertion hook returns.
+const Property& noProperty()
+{
+    static const Property none;
+    return none;
+}
 
 } // namespace
 
@@ -286,6 +310,68 @@ bool TypeManager::isDerivedFrom(const Uuid& derived, const Uuid& base) const
 bool TypeManager::isStaticObject(const Uuid& id) const
 {
     return isTypeRegistered(id) && isDerivedFrom(id, staticObjectTypeId());
+}
+
+bool TypeManager::registerProperty(const Uuid& id, const Property& property, AbstractLogger* logger)
+{
+    details::TypeMetadata* metadata = findMetadata(id);
+    if (metadata == nullptr) {
+        ORV_LOG_ERROR(logger, error::invalidArgument, "No type having the id " << id << " is registered.");
+        return false;
+    }
+    if (!property.isValid()) {
+        // An invalid property has no key, so nothing stands between the dot and the rest.
+        ORV_LOG_ERROR(logger, error::invalidArgument,
+            "the property  " << metadata->getName() << ". has not been initialized.");
+        return false;
+    }
+    metadata->addProperty(property);
+    return true;
+}
+
+unsigned int TypeManager::countProperties(const Uuid& id) const
+{
+    const details::TypeMetadata* metadata = getMetadata(id);
+    return metadata == nullptr ? 0 : metadata->countProperties();
+}
+
+const Property& TypeManager::getProperty(const Uuid& id, unsigned int index) const
+{
+    const details::TypeMetadata* metadata = getMetadata(id);
+    return metadata == nullptr ? noProperty() : metadata->getProperty(index);
+}
+
+const Property& TypeManager::getProperty(const Uuid& id, const char* key) const
+{
+    return getProperty(id, key, key == nullptr ? 0 : static_cast<unsigned int>(std::strlen(key)));
+}
+
+const Property& TypeManager::getProperty(const Uuid& id, const char* key, unsigned int size) const
+{
+    const Property* property = getPropertyPtr(id, key, size);
+    ORV_CHECK(property != nullptr,
+        "The type " << id << " have no registered property named " << (key == nullptr ? "" : key) << ".");
+    return property == nullptr ? noProperty() : *property;
+}
+
+bool TypeManager::isPropertyRegistered(const Uuid& id, const char* key) const
+{
+    return isPropertyRegistered(id, key, key == nullptr ? 0 : static_cast<unsigned int>(std::strlen(key)));
+}
+
+bool TypeManager::isPropertyRegistered(const Uuid& id, const char* key, unsigned int size) const
+{
+    return getPropertyPtr(id, key, size) != nullptr;
+}
+
+const Property* TypeManager::getPropertyPtr(const Uuid& id, const char* key, unsigned int size) const
+{
+    ORV_CHECK(key != nullptr, "Invalid key");
+    const details::TypeMetadata* metadata = getMetadata(id);
+    if (key == nullptr || metadata == nullptr) {
+        return nullptr;
+    }
+    return metadata->getProperty(key, size);
 }
 
 StaticObject* TypeManager::createStaticObject(const Uuid& id, AbstractLogger* logger) const

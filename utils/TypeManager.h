@@ -9,6 +9,7 @@ namespace orv {
 namespace utils {
 
 class AbstractLogger;
+class Property;
 class StaticObject;
 
 namespace details {
@@ -93,6 +94,19 @@ public:
     /// Whether the type derives from StaticObject; false for an unknown id.
     bool isStaticObject(const Uuid& id) const;
 
+    /// Logged and false for an unknown id or an invalid property.
+    bool registerProperty(const Uuid& id, const Property& property, AbstractLogger* logger);
+    /// Own and inherited properties of the type.
+    unsigned int countProperties(const Uuid& id) const;
+    /// Inherited properties first, base by base, and the type's own last.
+    const Property& getProperty(const Uuid& id, unsigned int index) const;
+    /// For keys known to be there: a missing one is a broken contract (see isPropertyRegistered).
+    /// Own properties hide inherited ones of the same key.
+    const Property& getProperty(const Uuid& id, const char* key) const;
+    const Property& getProperty(const Uuid& id, const char* key, unsigned int size) const;
+    bool isPropertyRegistered(const Uuid& id, const char* key) const;
+    bool isPropertyRegistered(const Uuid& id, const char* key, unsigned int size) const;
+
     /// Calls the creator registered for `id`; logged and null for an unknown type or one without
     /// a creator.
     StaticObject* createStaticObject(const Uuid& id, AbstractLogger* logger) const;
@@ -108,6 +122,8 @@ private:
     details::TypeMetadata* findMetadata(const Uuid& id) const;
     /// An unknown id is a broken contract; null is the answer then.
     details::TypeMetadata* getMetadata(const Uuid& id) const;
+    /// Null when the type has no such property; a null key is a broken contract.
+    const Property* getPropertyPtr(const Uuid& id, const char* key, unsigned int size) const;
 
     Map<Uuid, details::TypeMetadata*> typesById_;
     Map<String, details::TypeMetadata*> typesByName_;

@@ -1,6 +1,7 @@
 #include "support/TestSupport.h"
 
 #include <orv/utils/Facilities.h>
+#include <orv/utils/Property.h>
 #include <orv/utils/System.h>
 #include <orv/utils/TypeManager.h>
 #include <orv/utils/Uuid.h>
@@ -57,31 +58,15 @@ public:
     StaticObjectCreator* clone() const { return ORV_NEW(MarkerCreator)(*this); }
 };
 
-// A stand-in for registered types with properties, to check how properties resolve over bases.
-struct FakeProperty {
-    std::string key;
-    const char* getKey() const { return key.c_str(); }
-};
-
-struct FakeType {
-    std::vector<const FakeType*> bases;
-    std::vector<FakeProperty> own;
-
-    unsigned int countBaseTypes() const { return static_cast<unsigned int>(bases.size()); }
-    const FakeType& getBaseType(unsigned int index) const { return *bases[index]; }
-    unsigned int countOwnProperties() const { return static_cast<unsigned int>(own.size()); }
-    const FakeProperty& getOwnProperty(unsigned int index) const { return own[index]; }
-};
-
-std::vector<const FakeProperty*> allByIndex(const FakeType& type)
+// The keys of a type's properties in index order, each with the name of the type that owns it.
+std::vector<std::string> keysByIndex(const TypeManager& manager, const Uuid& id)
 {
-    std::vector<const FakeProperty*> result;
-    const unsigned int count = details::countInheritedProperties(type);
-    for (unsigned int i = 0; i < count; ++i) {
-        result.push_back(details::findInheritedProperty(type, i));
+    std::vector<std::string> keys;
+    for (unsigned int i = 0; i < manager.countProperties(id); ++i) {
+        const Property& property = manager.getProperty(id, i);
+        keys.push_back(std::string(manager.getTypeName(property.getOwnerTypeId())) + "." + property.getKey());
     }
-    EXPECT_EQ(details::findInheritedProperty(type, count), nullptr);
-    return result;
+    return keys;
 }
 
 } // namespace
@@ -311,37 +296,85 @@ TEST(TypeManager, CreatesObjectsThroughTheCreatorOfTheirType)
     EXPECT_EQ(liveCreators, 0);
 }
 
-TEST(TypeMetadata, PropertiesResolveInheritedFirstByIndexAndOwnFirstByName)
+TEST(TypeManager, PropertiesResolveInheritedFirstByIndexAndOwnFirstByName)
 {
-    FakeType a { {}, { { "p" }, { "q" } } };
-    FakeType b { { &a }, { { "r" } } };
-    EXPECT_EQ(allByIndex(b), (std::vector<const FakeProperty*> { &a.own[0], &a.own[1], &b.own[0] }));
+    TypeManager manager;
+    ASSERT_TRUE(manager.registerBaseTypes(nullptr));
+    for (const auto& type : { std::make_pair(idA, "A"), { idB, "B" }, { idC, "C" }, { idD, "D" } }) {
+        ASSERT_TRUE(manager.registerType(type.first, type.second, nullptr));
+    }
+    const Uuid& integer = details::getClassTypeId<int>();
+    const Uuid& real = details::getClassTypeId<double>();
+    auto add = [&](const Uuid& owner, const char* key, const Uuid& value) {
+        return manager.registerProperty(owner, Property(key, owner, value, manager), nullptr);
+    };
+    ASSERT_TRUE(manager.addBaseType(idB, idA, nullptr));
+    ASSERT_TRUE(add(idA, "p", integer) && add(idA, "q", real) && add(idB, "r", integer));
+    EXPECT_EQ(keysByIndex(manager, idB), (std::vector<std::string> { "A.p", "A.q", "B.r" }));
 
-    FakeType hiding { { &a }, { { "p" } } };
-    EXPECT_EQ(allByIndex(hiding), (std::vector<const FakeProperty*> { &a.own[0], &a.own[1], &hiding.own[0] }));
-    EXPECT_EQ(details::findInheritedProperty(hiding, "p", 1), &hiding.own[0]);
-    EXPECT_EQ(details::findInheritedProperty(hiding, "q", 1), &a.own[1]);
-    EXPECT_EQ(details::findInheritedProperty(hiding, "s", 1), nullptr);
+    // An own property hides a base's by key, but both stay in the numbering.
+    ASSERT_TRUE(add(idB, "p", real));
+    EXPECT_EQ(keysByIndex(manager, idB), (std::vector<std::string> { "A.p", "A.q", "B.r", "B.p" }));
+    EXPECT_EQ(manager.getProperty(idB, "p").getOwnerTypeId(), idB);
+    EXPECT_EQ(manager.getProperty(idB, "p").getType(), type::real);
+    EXPECT_EQ(manager.getProperty(idB, "q").getOwnerTypeId(), idA);
 
-    // Only `size` characters count: a short name finds a longer key, a long one with a short size too.
-    FakeType placed { {}, { { "name" }, { "position" } } };
-    EXPECT_EQ(details::findInheritedProperty(placed, "pos", 3), &placed.own[1]);
-    EXPECT_EQ(details::findInheritedProperty(placed, "nameless", 4), &placed.own[0]);
-    EXPECT_EQ(details::findInheritedProperty(placed, "position2", 9), nullptr);
-    EXPECT_EQ(details::findInheritedProperty(placed, nullptr, 3), nullptr);
+    // Only as many characters as the name has are compared.
+    ASSERT_TRUE(add(idC, "name", integer) && add(idC, "position", real));
+    EXPECT_STREQ(manager.getProperty(idC, "pos").getKey(), "position");
+    EXPECT_TRUE(manager.isPropertyRegistered(idC, "nameless", 4));
+    EXPECT_FALSE(manager.isPropertyRegistered(idC, "position2"));
 
-    // Bases are searched depth first: the first base's own base comes before the second base.
-    FakeType root { {}, { { "x" } } };
-    FakeType left { { &root }, {} };
-    FakeType right { {}, { { "x" } } };
-    FakeType both { { &left, &right }, {} };
-    EXPECT_EQ(details::findInheritedProperty(both, "x", 1), &root.own[0]);
-    EXPECT_EQ(allByIndex(both), (std::vector<const FakeProperty*> { &root.own[0], &right.own[0] }));
+    // A base reached along two ways counts twice; by key the first way wins.
+    ASSERT_TRUE(manager.addBaseType(idC, idA, nullptr));
+    ASSERT_TRUE(manager.addBaseType(idD, idB, nullptr) && manager.addBaseType(idD, idC, nullptr));
+    EXPECT_EQ(keysByIndex(manager, idD),
+        (std::vector<std::string> { "A.p", "A.q", "B.r", "B.p", "A.p", "A.q", "C.name", "C.position" }));
+    EXPECT_EQ(manager.getProperty(idD, "p").getOwnerTypeId(), idB);
 
-    // A base reached twice counts twice.
-    FakeType other { { &root }, {} };
-    FakeType diamond { { &left, &other }, {} };
-    EXPECT_EQ(allByIndex(diamond), (std::vector<const FakeProperty*> { &root.own[0], &root.own[0] }));
+    // The components of the vector types are real properties; removing a base takes its
+    // properties away from the types that derived from it.
+    EXPECT_EQ(keysByIndex(manager, details::getClassTypeId<Quaternion<double>>()),
+        (std::vector<std::string> {
+            "orv::utils::Quaternionr.x", "orv::utils::Quaternionr.y", "orv::utils::Quaternionr.z",
+            "orv::utils::Quaternionr.w" }));
+    EXPECT_TRUE(manager.getProperty(details::getClassTypeId<Vector2<double>>(), "y").isReal());
+    manager.unregisterType(idA);
+    EXPECT_EQ(keysByIndex(manager, idD), (std::vector<std::string> { "B.r", "B.p", "C.name", "C.position" }));
+
+    RecordingLogger logger;
+    EXPECT_FALSE(manager.registerProperty(unknownId, Property("k", unknownId, integer, manager), &logger));
+    EXPECT_FALSE(manager.registerProperty(idB, Property(), &logger));
+    EXPECT_EQ(logger.lines,
+        (Texts { "error|invalid argument|No type having the id " + text(unknownId) + " is registered.",
+            "error|invalid argument|the property  B. has not been initialized." }));
+}
+
+TEST(Property, BrokenContractsLeaveAnInvalidPropertyThatAnswersEmpty)
+{
+    TypeManager manager;
+    ASSERT_TRUE(manager.registerBaseTypes(nullptr));
+    ASSERT_TRUE(manager.registerType(idA, "A", nullptr));
+    const Uuid& integer = details::getClassTypeId<int>();
+    AssertionCapture capture;
+    EXPECT_FALSE(Property("", idA, integer, manager).isValid());
+    EXPECT_FALSE(Property(nullptr, idA, integer, manager).isValid());
+    EXPECT_FALSE(Property("k", Uuid(), integer, manager).isValid());
+    EXPECT_FALSE(Property("k", idA, Uuid(), manager).isValid());
+    Property property("k", idA, integer, manager);
+    EXPECT_TRUE(property.isValid() && property.isInt() && property.isTypeCompatible(type::real));
+    property.clear();
+    EXPECT_STREQ(property.getKey(), "");
+    EXPECT_EQ(property.getType(), type::null);
+    EXPECT_FALSE(property.isVector3() || property.isStaticObject());
+    EXPECT_EQ(manager.getProperty(idA, 0u).isValid(), false);
+    EXPECT_FALSE(manager.getProperty(idA, "missing").isValid());
+    EXPECT_FALSE(manager.isPropertyRegistered(idA, nullptr));
+    EXPECT_EQ(capture.texts(),
+        (Texts { "Invalid property name.", "Invalid property name.", "Invalid owner type.", "Invalid value type.",
+            "Invalid property.", "Invalid property.", "Invalid property index", "The type " + text(idA)
+                + " have no registered property named missing.",
+            "Invalid key" }));
 }
 
 TEST(TypeManager, TypesFromCHostsAreScriptedParameterClasses)

@@ -1,10 +1,12 @@
 #include <orv/utils/details/TypeMetadata.h>
 
+#include <orv/allocator/Allocator.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/details/ClassTypeId.h>
 #include <orv/utils/details/Logging.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace orv {
 namespace utils {
@@ -98,6 +100,65 @@ bool TypeMetadata::isDerivedFrom(const TypeMetadata& other) const
         }
     }
     return false;
+}
+
+void TypeMetadata::addProperty(const Property& property)
+{
+    properties_.push_back(ORV_NEW(Property)(property));
+}
+
+unsigned int TypeMetadata::countProperties() const
+{
+    return countInheritedProperties(*this);
+}
+
+const Property& TypeMetadata::getProperty(unsigned int index) const
+{
+    const Property* property = findInheritedProperty(*this, index);
+    ORV_CHECK(property != nullptr, "Invalid property index");
+    if (property == nullptr) {
+        // The hook returned: an invalid property stands in.
+        static const Property noProperty;
+        return noProperty;
+    }
+    return *property;
+}
+
+const Property* TypeMetadata::getProperty(const char* name) const
+{
+    return name == nullptr ? nullptr : getProperty(name, static_cast<unsigned int>(std::strlen(name)));
+}
+
+const Property* TypeMetadata::getProperty(const char* name, unsigned int size) const
+{
+    return findInheritedProperty(*this, name, size);
+}
+
+bool TypeMetadata::hasProperty(const char* name) const
+{
+    return getProperty(name) != nullptr;
+}
+
+bool TypeMetadata::hasProperty(const char* name, unsigned int size) const
+{
+    return getProperty(name, size) != nullptr;
+}
+
+unsigned int TypeMetadata::countOwnProperties() const
+{
+    return static_cast<unsigned int>(properties_.size());
+}
+
+const Property& TypeMetadata::getOwnProperty(unsigned int index) const
+{
+    return *properties_[index];
+}
+
+TypeMetadata::~TypeMetadata()
+{
+    for (Property* property : properties_) {
+        ORV_DELETE(property);
+    }
 }
 
 } // namespace details

@@ -2,6 +2,7 @@
 #define ORV_UTILS_DETAILS_TYPEMETADATA_H
 
 #include <orv/utils/Common.h>
+#include <orv/utils/Property.h>
 #include <orv/utils/Type.h>
 #include <orv/utils/Uuid.h>
 
@@ -14,8 +15,9 @@ class AbstractLogger;
 
 namespace details {
 
-/// What the type manager knows of one registered type: its id, kind, name and direct base types.
-/// The bases are owned by the manager; a type never has a cycle nor a redundant direct base.
+/// What the type manager knows of one registered type: its id, kind, name, direct base types and
+/// reflected properties. The bases are owned by the manager and the properties by the metadata; a
+/// type never has a cycle nor a redundant direct base.
 class ORV_UTILS_API TypeMetadata {
 public:
     TypeMetadata(const char* name, const Uuid& id);
@@ -37,6 +39,23 @@ public:
     /// A type derives from itself, and from every base of its bases.
     bool isDerivedFrom(const TypeMetadata& other) const;
 
+    /// Keeps a copy.
+    void addProperty(const Property& property);
+    /// Own properties and inherited ones; a base reached twice counts twice.
+    unsigned int countProperties() const;
+    /// Inherited properties first, base by base, and the type's own last.
+    const Property& getProperty(unsigned int index) const;
+    /// Own properties first, then each base's, recursively; null when none matches. Only as many
+    /// characters as the name has (or `size`) are compared.
+    const Property* getProperty(const char* name) const;
+    const Property* getProperty(const char* name, unsigned int size) const;
+    bool hasProperty(const char* name) const;
+    bool hasProperty(const char* name, unsigned int size) const;
+    /// The properties registered on this type itself, in their order of registration.
+    unsigned int countOwnProperties() const;
+    const Property& getOwnProperty(unsigned int index) const;
+
+    ~TypeMetadata();
     TypeMetadata(const TypeMetadata&) = delete;
     TypeMetadata& operator=(const TypeMetadata&) = delete;
 
@@ -45,6 +64,7 @@ private:
     type::Type type_;
     String name_;
     Vector<const TypeMetadata*> baseTypes_;
+    Vector<Property*> properties_;
 };
 
 // How the properties of a type resolve over its bases. A node offers countBaseTypes and
