@@ -9,3 +9,11 @@ elseif(ORV_SANITIZE STREQUAL "thread")
 elseif(NOT ORV_SANITIZE STREQUAL "")
   message(FATAL_ERROR "ORV_SANITIZE must be address, thread or empty, not '${ORV_SANITIZE}'")
 endif()
+
+# Fuzzing instruments the whole build for coverage; only the fuzz targets link the engine itself.
+if(ORV_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "ORV_BUILD_FUZZERS needs Clang")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,75 @@
+// What every fuzz target shares: the library started once, a logger that keeps nothing, and a
+// check that stops the run when a property of the library does not hold.
+
+#ifndef ORV_FUZZ_FUZZSUPPORT_H
+#define ORV_FUZZ_FUZZSUPPORT_H
+
+#include <orv/allocator/Allocator.h>
+#include <orv/utils/AbstractLogger.h>
+#include <orv/utils/System.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace orv {
+namespace fuzz {
+
+/// Takes every level and drops it: inputs fail often, and the messages themselves are the unit
+/// tests' business.
+class QuietLogger : public utils::AbstractLogger {
+public:
+    QuietLogger()
+        : AbstractLogger(true, true, true)
+    {
+    }
+
+protected:
+    void doLogTrace(const char*, unsigned int, const char*) override {}
+    void doLogInfo(const char*, unsigned int, const char*) override {}
+    void doLogWarning(const char*, unsigned int, const char*) override {}
+    void doLogError(const utils::ErrorType&, const char*, unsigned int, const char*) override {}
+};
+
+/// Counts the library allocator's blocks around one input: whatever the input, nothing stays.
+class BlockBalance {
+public:
+    BlockBalance()
+        : before_(allocator::Allocator::instance().getLiveBlockCount())
+    {
+    }
+    ~BlockBalance()
+    {
+        if (allocator::Allocator::instance().getLiveBlockCount() != before_) {
+            std::fprintf(stderr, "library blocks leaked by this input\n");
+            std::abort();
+        }
+    }
+
+private:
+    std::size_t before_;
+};
+
+} // namespace fuzz
+} // namespace orv
+
+/// A property of the library that must hold for every input.
+#define ORV_FUZZ_REQUIRE(condition)                                                                                 \
+    do {                                                                                                           \
+        if (!(condition)) {                                                                                        \
+            std::fprintf(stderr, "%s:%d: %s does not hold\n", __FILE__, __LINE__, #condition);                       \
+            std::abort();                                                                                          \
+        }                                                                                                          \
+    } while (false)
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    // The objects under test reach the facilities' string and type tables.
+    if (!orv::utils::initialize(nullptr)) {
+        std::abort();
+    }
+    return 0;
+}
+
+#endif
