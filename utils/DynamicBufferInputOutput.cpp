@@ -40,7 +40,7 @@ bool DynamicBufferInputOutput::isWritable() const
     return true;
 }
 
-bool DynamicBufferInputOutput::write(const char* buffer, unsigned int size, AbstractLogger* logger)
+bool DynamicBufferInputOutput::writeGrowing(const char* buffer, unsigned int size, AbstractLogger* logger)
 {
     constexpr std::size_t largest = std::numeric_limits<unsigned int>::max();
     if (size > largest - size_) {

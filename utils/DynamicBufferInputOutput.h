@@ -4,6 +4,8 @@
 #include <orv/utils/AbstractDataInputOutput.h>
 #include <orv/utils/Common.h>
 
+#include <cstring>
+
 namespace orv {
 namespace utils {
 
@@ -25,7 +27,33 @@ public:
     const char* getDescription() const override;
     bool isWritable() const override;
     /// Throws std::length_error only when the stored size would no longer fit an unsigned int.
-    bool write(const char* buffer, unsigned int size, AbstractLogger* logger) override;
+    /// Inline, so that a writer that knows it holds this very class appends a piece of a few
+    /// bytes without a call (the JSON writer sends most of its text that way).
+    bool write(const char* buffer, unsigned int size, AbstractLogger* logger) override
+    {
+        if (size > capacity_ - size_) {
+            return writeGrowing(buffer, size, logger);
+        }
+        char* end = bytes_ + size_;
+        // Fixed-size copies from both ends, overlapping in the middle, compile to plain moves.
+        if (size < 4) {
+            if (size != 0) {
+                end[0] = buffer[0];
+                end[size / 2] = buffer[size / 2];
+                end[size - 1] = buffer[size - 1];
+            }
+        } else if (size < 8) {
+            std::memcpy(end, buffer, 4);
+            std::memcpy(end + size - 4, buffer + size - 4, 4);
+        } else if (size <= 16) {
+            std::memcpy(end, buffer, 8);
+            std::memcpy(end + size - 8, buffer + size - 8, 8);
+        } else {
+            std::memcpy(end, buffer, size);
+        }
+        size_ += size;
+        return true;
+    }
     bool isReadable() const override;
     bool read(char* buffer, unsigned int& size, AbstractLogger* logger) override;
     bool peekRead(char* buffer, unsigned int& size, AbstractLogger* logger) override;
@@ -34,6 +62,9 @@ public:
     DynamicBufferInputOutput& operator=(const DynamicBufferInputOutput&) = delete;
 
 private:
+    /// `write` when the piece does not fit the block.
+    bool writeGrowing(const char* buffer, unsigned int size, AbstractLogger* logger);
+
     // A plain block rather than a vector: appends are one copy, not a construction per byte.
     char* bytes_;
     unsigned int size_;

@@ -6,6 +6,7 @@
 
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/AbstractDataInputOutput.h>
+#include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/details/Logging.h>
 
 #include <yajl/yajl_gen.h>
@@ -14,6 +15,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <typeinfo>
 
 namespace orv {
 namespace utils {
@@ -30,10 +32,15 @@ struct JsonSerializerContext {
 
 namespace {
 
+__attribute__((noinline, cold)) void reportNullContext()
+{
+    ORV_FAIL("ctx");
+}
+
 void printToOutput(void* ctx, const char* text, std::size_t length)
 {
-    ORV_CHECK(ctx != nullptr, "ctx");
     if (ctx == nullptr) {
+        reportNullContext();
         // The hook returned: the text has nowhere to go.
         return;
     }
@@ -42,8 +49,21 @@ void printToOutput(void* ctx, const char* text, std::size_t length)
     context->output->write(text, static_cast<unsigned int>(length), context->logger);
 }
 
-/// Reports a status other than success; true for success.
-bool checkStatus(AbstractLogger* logger, yajl_gen_status status)
+/// The same for an output known to be exactly a DynamicBufferInputOutput: the generator prints
+/// a handful of bytes at a time, and the buffer's own write takes them without a virtual call.
+void printToBuffer(void* ctx, const char* text, std::size_t length)
+{
+    if (ctx == nullptr) {
+        reportNullContext();
+        return;
+    }
+    impl::JsonSerializerContext* context = static_cast<impl::JsonSerializerContext*>(ctx);
+    static_cast<DynamicBufferInputOutput*>(context->output)
+        ->DynamicBufferInputOutput::write(text, static_cast<unsigned int>(length), context->logger);
+}
+
+/// Reports a status other than success; true only for success.
+__attribute__((noinline, cold)) bool reportStatus(AbstractLogger* logger, yajl_gen_status status)
 {
     switch (status) {
     case yajl_gen_status_ok:
@@ -74,6 +94,25 @@ bool checkStatus(AbstractLogger* logger, yajl_gen_status status)
         break;
     }
     return false;
+}
+
+// The reports of the events stay out of line, so that the events themselves are a few
+// instructions around the generator call.
+
+__attribute__((noinline, cold)) void reportNotBegun(AbstractLogger* logger)
+{
+    ORV_LOG_ERROR(logger, error::invalidOperation, "The Json building was already ended or has never begun.");
+}
+
+__attribute__((noinline, cold)) void reportRootNotStarted(AbstractLogger* logger)
+{
+    ORV_LOG_ERROR(logger, error::invalidOperation, "Expected object or array");
+}
+
+/// True for success; anything else is reported.
+inline bool checkStatus(AbstractLogger* logger, yajl_gen_status status)
+{
+    return status == yajl_gen_status_ok || reportStatus(logger, status);
 }
 
 /// The text of a finite real: "%.20g" in the "C" locale, with ".0" when it has neither a point
@@ -126,7 +165,10 @@ bool JsonSerializer::begin()
         ORV_LOG_ERROR(logger_, error::invalidOperation, "Unable to instanciate YAJL Json generator.");
         return false;
     }
-    yajl_gen_config(generator, yajl_gen_print_callback, &printToOutput, context_.get());
+    impl::JsonSerializerContext* context = context_.get();
+    // Only the exact class: a class derived from it may write differently.
+    const bool plainBuffer = typeid(*context->output) == typeid(DynamicBufferInputOutput);
+    yajl_gen_config(generator, yajl_gen_print_callback, plainBuffer ? &printToBuffer : &printToOutput, context);
     yajl_gen_config(generator, yajl_gen_beautify, beautify_ ? 1 : 0);
     context_->generator = generator;
     return true;
@@ -135,7 +177,7 @@ bool JsonSerializer::begin()
 bool JsonSerializer::end()
 {
     if (context_.get() == nullptr || context_->generator == nullptr) {
-        ORV_LOG_ERROR(logger_, error::invalidOperation, "The Json building was already ended or has never begun.");
+        reportNotBegun(logger_);
         return false;
     }
     yajl_gen_free(context_->generator);
@@ -146,20 +188,21 @@ bool JsonSerializer::end()
 
 void* JsonSerializer::openGenerator()
 {
-    if (context_.get() == nullptr || context_->generator == nullptr) {
-        ORV_LOG_ERROR(logger_, error::invalidOperation, "The Json building was already ended or has never begun.");
-        return nullptr;
+    impl::JsonSerializerContext* context = context_.get();
+    if (__builtin_expect(context != nullptr && context->generator != nullptr, 1)) {
+        return context->generator;
     }
-    return context_->generator;
+    reportNotBegun(logger_);
+    return nullptr;
 }
 
 bool JsonSerializer::checkRootStarted()
 {
-    if (!rootStarted_) {
-        ORV_LOG_ERROR(logger_, error::invalidOperation, "Expected object or array");
-        return false;
+    if (__builtin_expect(rootStarted_, 1)) {
+        return true;
     }
-    return true;
+    reportRootNotStarted(logger_);
+    return false;
 }
 
 bool JsonSerializer::null()
@@ -186,7 +229,14 @@ bool JsonSerializer::integer(long long value)
         return false;
     }
     yajl_gen generator = static_cast<yajl_gen>(openGenerator());
-    return generator != nullptr && checkStatus(logger_, yajl_gen_integer(generator, value));
+    if (generator == nullptr) {
+        return false;
+    }
+    // The text "%lld" gives, made without the formatted-output machinery; the generator places
+    // it with the same checks as its own integer call.
+    char text[24];
+    const std::to_chars_result result = std::to_chars(text, text + sizeof text, value);
+    return checkStatus(logger_, yajl_gen_number(generator, text, static_cast<std::size_t>(result.ptr - text)));
 }
 
 bool JsonSerializer::real(double value)

@@ -100,6 +100,48 @@ TEST(JsonSerializer, AFailedWriteDoesNotStopTheBuild)
         logger.lines, Texts(2, refusal("Can't write to the io on not/open.json, it is not currently writable.")));
 }
 
+/// A buffer that sees each piece itself: the writer must not take the plain buffer's shortcut past
+/// an override.
+class PieceCountingBuffer : public DynamicBufferInputOutput {
+public:
+    PieceCountingBuffer() : DynamicBufferInputOutput("pieces") {}
+    bool write(const char* buffer, unsigned int size, utils::AbstractLogger* logger) override
+    {
+        ++pieces;
+        return DynamicBufferInputOutput::write(buffer, size, logger);
+    }
+    int pieces = 0;
+};
+
+TEST(JsonSerializer, SendsEveryPieceThroughTheStreamsOwnWriteAndGrowsThePlainBuffer)
+{
+    // Keys and values of 0 to 40 bytes cross every copy size of the buffer's in-line append and
+    // many growths of its block; the plain buffer and the derived one must hold the same text.
+    std::string events = "begin beginObject";
+    std::string expected = "{";
+    for (int length = 0; length <= 40; ++length) {
+        const std::string key
+            = "k" + std::string(static_cast<std::size_t>(length), static_cast<char>('a' + length % 26));
+        const std::string value = std::string(static_cast<std::size_t>(length), 'z');
+        events += " child(" + key + ") string(" + value + ") ";
+        expected += (length == 0 ? "\"" : ",\"") + key + "\":\"" + value + "\"";
+    }
+    events += " child(n) int(-1234567890123) endObject end";
+    expected += ",\"n\":-1234567890123}";
+
+    DynamicBufferInputOutput plain("plain");
+    JsonSerializer plainWriter(plain, false);
+    EXPECT_EQ(play(plainWriter, events), "");
+    EXPECT_EQ(textOf(plain), expected);
+
+    PieceCountingBuffer counting;
+    JsonSerializer countingWriter(counting, false);
+    EXPECT_EQ(play(countingWriter, events), "");
+    EXPECT_EQ(textOf(counting), expected);
+    // At least an opening, a closing and one piece per key and per value.
+    EXPECT_GT(counting.pieces, 2 + 2 * 42);
+}
+
 /// The text that "%.20g" gives in the current locale, with ".0" when it reads as an integer.
 std::string reference(double value)
 {
