@@ -5,6 +5,7 @@
 #include <orv/utils/impl/DynamicObjectPropertyChildrenIterator.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace orv {
 namespace utils {
@@ -34,6 +35,14 @@ void DynamicObjectIterator::initialize(unsigned int property)
     currentProperty_ = property;
 }
 
+void DynamicObjectIterator::restart(unsigned int property)
+{
+    stack_.clear();
+    keys_.clear();
+    currentDepth_ = 0;
+    initialize(property);
+}
+
 void DynamicObjectIterator::pushChildren(unsigned int property)
 {
     switch (object_.getType(property)) {
@@ -52,7 +61,10 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
         for (children.next(); !children.end(); children.next()) {
             const unsigned int offset = static_cast<unsigned int>(keys_.size());
             const unsigned int length = children.getKeyLength();
-            keys_.insert(keys_.end(), children.getKey(), children.getKey() + length);
+            // With the terminator that follows the key in the walk: the store then holds each
+            // key as a text of its own.
+            keys_.resize(offset + length + 1);
+            std::memcpy(keys_.data() + offset, children.getKey(), length + 1);
             stack_.push_back(Event{objectChildBegin, children.getProperty(), offset, length, 0});
             stack_.push_back(Event{objectChildEnd, children.getProperty(), offset, length, 0});
         }
@@ -67,9 +79,13 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
 
 void DynamicObjectIterator::cutPath(char separator)
 {
-    const Vector<char>::reverse_iterator found = std::find(path_.rbegin(), path_.rend(), separator);
-    path_.erase(found == path_.rend() ? path_.begin() : found.base() - 1, path_.end());
-    path_.push_back('\0');
+    std::size_t size = path_.size() - 1;
+    while (size > 0 && path_[size - 1] != separator) {
+        --size;
+    }
+    // Without the separator itself, which the terminator replaces; nothing when there was none.
+    path_.resize(size != 0 ? size : 1);
+    path_.back() = '\0';
 }
 
 DynamicObjectIterator& DynamicObjectIterator::next()
@@ -83,18 +99,22 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             if (currentDepth_ < maximumDepth_) {
                 pushChildren(event.property);
             }
-            path_.pop_back();
-            if (!path_.empty()) {
-                path_.push_back('.');
+            // The path is "the parent's path.key"; see isKeyInStore for maximum depth 0.
+            if (maximumDepth_ != 0) {
+                std::size_t size = path_.size() - 1;
+                if (size != 0) {
+                    path_[size++] = '.';
+                }
+                path_.resize(size + event.keyLength + 1);
+                std::memcpy(path_.data() + size, keys_.data() + event.keyOffset, event.keyLength + 1);
             }
-            path_.insert(path_.end(), keys_.begin() + event.keyOffset,
-                         keys_.begin() + event.keyOffset + event.keyLength);
-            path_.push_back('\0');
             ++currentDepth_;
             currentProperty_ = event.property;
             return *this;
         case objectChildEnd:
-            cutPath('.');
+            if (maximumDepth_ != 0) {
+                cutPath('.');
+            }
             std::fill(keys_.begin() + event.keyOffset, keys_.begin() + event.keyOffset + event.keyLength, '\0');
             while (!keys_.empty() && keys_.back() == '\0') {
                 keys_.pop_back();
@@ -107,11 +127,11 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             if (currentDepth_ < maximumDepth_) {
                 pushChildren(event.property);
             }
-            path_.pop_back();
             char key[16];
             const unsigned int length = formatArrayKey(event.arrayChildIndex, key);
-            path_.insert(path_.end(), key, key + length);
-            path_.push_back('\0');
+            const std::size_t size = path_.size() - 1;
+            path_.resize(size + length + 1);
+            std::memcpy(path_.data() + size, key, length + 1);
             ++currentDepth_;
             currentProperty_ = event.property;
             return *this;

@@ -39,15 +39,30 @@ public:
     /// The current property; the start before the first `next`.
     unsigned int getProperty() const { return currentProperty_; }
     /// The path of the current property from the start, terminated; empty at the start.
-    const char* getKey() const { return path_.data(); }
-    unsigned int getKeyLength() const { return static_cast<unsigned int>(path_.size()) - 1; }
+    const char* getKey() const { return isKeyInStore() ? keys_.data() + stack_.back().keyOffset : path_.data(); }
+    unsigned int getKeyLength() const
+    {
+        return isKeyInStore() ? stack_.back().keyLength : static_cast<unsigned int>(path_.size()) - 1;
+    }
     const DynamicObject& getDynamicObject() const { return object_; }
 
 private:
+    // Lets an object's walk restart one iterator per level of nesting instead of building one per object.
+    friend class DynamicObject;
+
     void initialize(unsigned int property);
+    /// Back to the state of a new iterator from `property`, keeping the memory of the stacks.
+    void restart(unsigned int property);
     void pushChildren(unsigned int property);
     /// Cuts the path back to the last `separator`, or to nothing.
     void cutPath(char separator);
+    /// Whether the current path is an object child's key alone, held in the key store with its
+    /// terminator. A walk of direct children (maximum depth 0) reads keys from there instead of
+    /// copying each one into the path; the end event of the current child is then on top.
+    bool isKeyInStore() const
+    {
+        return maximumDepth_ == 0 && currentDepth_ != 0 && stack_.back().kind == objectChildEnd;
+    }
 
     const DynamicObject& object_;
     unsigned int maximumDepth_;

@@ -29,54 +29,111 @@ bool DynamicObject::visitTrie(unsigned int property, AbstractObjectBuilder& buil
 
 bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder& builder) const
 {
-    const unsigned int propertyType = getType(property);
-    switch (propertyType) {
-    case type::null:
-        return builder.null();
-    case type::integer:
-        return builder.integer(getInt(property, 0));
-    case type::real:
-        return builder.real(getReal(property, 0.0));
-    case type::string: {
-        const char* text = stringTable_->retrieve(getStringHash(property, 0), "");
-        ORV_CHECK(text != nullptr, "stringValue");
-        // The hook returned: the value goes out as the empty text.
-        if (text == nullptr) {
-            text = "";
-        }
-        return builder.string(text, static_cast<unsigned int>(std::strlen(text)));
-    }
-    case type::boolean:
-        return builder.boolean(getBool(property, false));
-    case type::array: {
-        if (!builder.beginArray()) {
-            return false;
-        }
-        const unsigned int count = countChildren(property);
-        for (unsigned int index = 0; index < count; ++index) {
-            if (!builder.arrayChild() || !recursiveVisit(getChild(property, index), builder)) {
+    // The walk keeps its own stack of open arrays and objects rather than recursing, and one
+    // children iterator per level of object nesting, restarted for every object met at that
+    // level: a document costs allocations per level, not per object.
+    struct Level {
+        unsigned int property;
+        // For an array, the next position and the size; for an object, its iterator's slot.
+        unsigned int index;
+        unsigned int count;
+        bool isObject;
+    };
+    Vector<Level> levels;
+    Vector<DynamicObjectIterator> iterators;
+    unsigned int objectDepth = 0;
+
+    unsigned int current = property;
+    bool valueDue = true;
+    for (;;) {
+        if (valueDue) {
+            // One look-up of the value node serves the type and the value.
+            const Node* value = findValueNode(current);
+            const unsigned int propertyType = value != nullptr ? value->value.type : static_cast<unsigned int>(type::null);
+            bool accepted = true;
+            switch (propertyType) {
+            case type::null:
+                accepted = builder.null();
+                break;
+            case type::integer:
+                accepted = builder.integer(value->getInteger());
+                break;
+            case type::real:
+                accepted = builder.real(value->getReal());
+                break;
+            case type::string: {
+                const char* text = stringTable_->retrieve(value->getPayload(), "");
+                ORV_CHECK(text != nullptr, "stringValue");
+                // The hook returned: the value goes out as the empty text.
+                if (text == nullptr) {
+                    text = "";
+                }
+                accepted = builder.string(text, static_cast<unsigned int>(std::strlen(text)));
+                break;
+            }
+            case type::boolean:
+                accepted = builder.boolean(value->getPayload() != 0);
+                break;
+            case type::array:
+                accepted = builder.beginArray();
+                if (accepted) {
+                    levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false});
+                }
+                break;
+            case type::object:
+                accepted = builder.beginObject();
+                if (accepted) {
+                    if (objectDepth == iterators.size()) {
+                        iterators.emplace_back(*this, current, 0);
+                    } else {
+                        iterators[objectDepth].restart(current);
+                    }
+                    levels.push_back(Level{current, objectDepth++, 0, true});
+                }
+                break;
+            default:
+                ORV_LOG_ERROR(builder.getLogger(), error::invalidConfiguration,
+                              "Error while visiting dynamic object, unexpected property type " << propertyType);
+                return false;
+            }
+            if (!accepted) {
                 return false;
             }
         }
-        return builder.endArray();
-    }
-    case type::object: {
-        if (!builder.beginObject()) {
-            return false;
+        if (levels.empty()) {
+            return true;
         }
-        DynamicObjectIterator children(*this, property, 0);
-        for (children.next(); !children.end(); children.next()) {
-            if (!builder.objectChild(children.getKey(), children.getKeyLength()) ||
-                !recursiveVisit(children.getProperty(), builder)) {
+        Level& level = levels.back();
+        if (level.isObject) {
+            DynamicObjectIterator& children = iterators[level.index];
+            children.next();
+            if (!children.end()) {
+                if (!builder.objectChild(children.getKey(), children.getKeyLength())) {
+                    return false;
+                }
+                current = children.getProperty();
+                valueDue = true;
+                continue;
+            }
+            if (!builder.endObject()) {
+                return false;
+            }
+            --objectDepth;
+        } else {
+            if (level.index < level.count) {
+                if (!builder.arrayChild()) {
+                    return false;
+                }
+                current = getChild(level.property, level.index++);
+                valueDue = true;
+                continue;
+            }
+            if (!builder.endArray()) {
                 return false;
             }
         }
-        return builder.endObject();
-    }
-    default:
-        ORV_LOG_ERROR(builder.getLogger(), error::invalidConfiguration,
-                      "Error while visiting dynamic object, unexpected property type " << propertyType);
-        return false;
+        levels.pop_back();
+        valueDue = false;
     }
 }
 

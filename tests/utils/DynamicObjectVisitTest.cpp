@@ -153,3 +153,43 @@ TEST(DynamicObjectIterator, KeysThatExtendAPropertysTextAreWalkedAsItsChildren)
     EXPECT_EQ(walk(other, other.getProperty("a"), 0), "c");
     EXPECT_EQ(dump(other), "{\"a\":{\"c\":1},\"a-x\":2,\"b\":3}");
 }
+
+TEST(DynamicObjectIterator, WalksKeysLongerAndLevelsDeeperThanItsFirstStorage)
+{
+    // Keys added in descending order chain each one below the last on the smaller side, so the
+    // children walk goes nearly 60 nodes deep; keys of 201 bytes outgrow its key buffer too.
+    DynamicObject object;
+    std::string children;
+    std::string fromRoot = "o";
+    for (char first = '~'; first > 'A'; --first) {
+        if (first == '[' || first == ']') {
+            continue;
+        }
+        const std::string key = first + std::string(200, 'k');
+        object.setInt(("o." + key).c_str(), first);
+        children.insert(0, key + (children.empty() ? "" : " "));
+        fromRoot.insert(1, " o." + key);
+    }
+    EXPECT_EQ(walk(object, object.getProperty("o"), 0), children);
+    EXPECT_EQ(walk(object, object.getRoot()), fromRoot);
+}
+
+TEST(DynamicObjectVisit, ObjectsMetAtTheSameDepthEachSendTheirOwnChildren)
+{
+    // The walk reuses one children iterator per level of nesting: what one object left in it must
+    // not reach the next object of that level, whether that one is longer or shorter.
+    DynamicObject object;
+    object.setInt("a[0].x", 1);
+    object.setInt("a[0].y.p", 2);
+    object.setInt("a[0].y.q", 3);
+    object.setInt("a[1].z", 4);
+    object.resize("a", 3);
+    object.setInt("b.c.d", 6);
+    object.setInt("e", 7);
+    RecordingBuilder builder;
+    EXPECT_TRUE(object.visit(builder));
+    EXPECT_EQ(builder.line(), "begin beginObject child(a) beginArray child beginObject child(x) int(1) child(y) "
+                              "beginObject child(p) int(2) child(q) int(3) endObject endObject child beginObject "
+                              "child(z) int(4) endObject child null endArray child(b) beginObject "
+                              "child(c) beginObject child(d) int(6) endObject endObject child(e) int(7) endObject end");
+}

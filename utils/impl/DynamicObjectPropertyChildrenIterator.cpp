@@ -13,6 +13,12 @@ bool isSeparator(signed char character)
     return character == '.' || character == '[';
 }
 
+/// The walk's failed assertions, out of its loops.
+__attribute__((noinline, cold)) void reportWalkFailure(const char* text)
+{
+    ORV_FAIL(text);
+}
+
 } // namespace
 
 DynamicObjectPropertyChildrenIterator::DynamicObjectPropertyChildrenIterator(const DynamicObject& object,
@@ -33,7 +39,7 @@ void DynamicObjectPropertyChildrenIterator::next()
 {
     unsigned int index = stack_.empty() ? start_ : stack_.back();
     if (current_ == 0 || index == 0) {
-        ORV_FAIL("unable to increment from invalid current node");
+        reportWalkFailure("unable to increment from invalid current node");
         current_ = 0;
         return;
     }
@@ -44,7 +50,7 @@ void DynamicObjectPropertyChildrenIterator::next()
         stack_.push_back(index);
         const DynamicObject::Node* node = object_.getNode(index);
         if (node == nullptr) {
-            ORV_FAIL("unable to convert current to real trie node pointer");
+            reportWalkFailure("unable to convert current to real trie node pointer");
             index = 0;
             break;
         }
@@ -76,7 +82,7 @@ unsigned int DynamicObjectPropertyChildrenIterator::stepUp()
 {
     for (;;) {
         if (stack_.empty()) {
-            ORV_FAIL("unable to retrieve next child from empty stack");
+            reportWalkFailure("unable to retrieve next child from empty stack");
             return 0;
         }
         const unsigned int child = stack_.back();
@@ -87,7 +93,7 @@ unsigned int DynamicObjectPropertyChildrenIterator::stepUp()
         const unsigned int parentIndex = stack_.back();
         const DynamicObject::Node* parent = object_.getNode(parentIndex);
         if (parent == nullptr) {
-            ORV_FAIL("unable to convert current to real trie node pointer");
+            reportWalkFailure("unable to convert current to real trie node pointer");
             return 0;
         }
         if (parent->trie.less == child) {
@@ -102,7 +108,9 @@ unsigned int DynamicObjectPropertyChildrenIterator::stepUp()
                 return parent->trie.equal;
             }
         } else if (parent->trie.equal == child) {
-            ORV_CHECK(!key_.empty(), "unable to remove one character from key although we are in an equal match case");
+            if (key_.empty()) {
+                reportWalkFailure("unable to remove one character from key although we are in an equal match case");
+            }
             if (isSeparator(parent->trie.splitChar)) {
                 return 0;
             }
@@ -112,31 +120,14 @@ unsigned int DynamicObjectPropertyChildrenIterator::stepUp()
         } else if (parent->trie.greater == child) {
             continue;
         } else {
-            ORV_FAIL("unexpected state in iteration stack - one of the children of current should be the top element");
+            reportWalkFailure(
+                "unexpected state in iteration stack - one of the children of current should be the top element");
             return 0;
         }
         if (parent->trie.greater != 0) {
             return parent->trie.greater;
         }
     }
-}
-
-const char* DynamicObjectPropertyChildrenIterator::getKey() const
-{
-    if (key_.empty()) {
-        return "";
-    }
-    return key_[0] == '.' ? key_.data() + 1 : key_.data();
-}
-
-unsigned int DynamicObjectPropertyChildrenIterator::getKeyLength() const
-{
-    if (key_.empty()) {
-        return 0;
-    }
-    // Less the leading `.` and the end-of-key character that closes the buffer.
-    const unsigned int length = static_cast<unsigned int>(key_.size()) - 1;
-    return key_[0] == '.' ? length - 1 : length;
 }
 
 } // namespace impl
