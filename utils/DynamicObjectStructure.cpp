@@ -43,6 +43,11 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
     if (length == 0) {
         return parent;
     }
+    // Byte 0 marks the end of a key in the trie, so no stored key can hold one; a name that does
+    // (a path or key from outside) names nothing that could be added.
+    if (std::memchr(key, 0, length) != nullptr) {
+        return 0;
+    }
     bool added = false;
     unsigned int property = 0;
     unsigned int valueIndex = 0;
