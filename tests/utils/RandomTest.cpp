@@ -347,6 +347,34 @@ TEST(SfmtGenerator, JumpsFarAheadToTheWordsThePassesGive)
     EXPECT_EQ(draw(restored, 700), expected);
     EXPECT_EQ(nextWords(back), expected);
     EXPECT_NE(Words(expected.begin(), expected.begin() + 4), referenceSlice(0, 4));
+
+    // Far backward moves jump too: against plain backward passes, and there and back again. A
+    // stored count past 2^63 is such a move, to a place before the start.
+    for (long long passes : { 4097LL, 5003LL }) {
+        details::SfmtGenerator jumped(99);
+        details::SfmtGenerator stepped(99);
+        jumped.advance(700);
+        stepped.advance(700);
+        const long long target = 700 - passes * 624 - 11;
+        jumped.advance(target);
+        for (long long place = 700; place > target;) {
+            place = std::max(target, place - 1000 * 624);
+            stepped.advance(place);
+        }
+        EXPECT_EQ(jumped.getCount(), target);
+        EXPECT_EQ(nextWords(jumped), nextWords(stepped)) << passes;
+    }
+    Random beforeStart(7);
+    ASSERT_TRUE(deserialize(versionText + "random { seed: 1234 count: 18446744073709551615 }", beforeStart, nullptr,
+        deserializeRandom));
+    details::SfmtGenerator aroundZero(1234);
+    aroundZero.advance(-far);
+    aroundZero.advance(-1);
+    EXPECT_EQ(draw(beforeStart, 700), nextWords(aroundZero));
+    details::SfmtGenerator roundTrip(1234);
+    roundTrip.advance(-far);
+    roundTrip.advance(0);
+    EXPECT_EQ(nextWords(roundTrip), referenceSlice(0, 700));
 }
 
 TEST(SfmtGenerator, BackwardPassUndoesTheForwardPassInBothForms)

@@ -152,6 +152,11 @@ void SfmtGenerator::recurse(long long passes)
         sfmt::jumpForward(state_, static_cast<unsigned long long>(passes));
         return;
     }
+    if (passes < -jumpPasses) {
+        // A stored count past 2^63 reads as a place far before the start.
+        sfmt::jumpBackward(state_, 0 - static_cast<unsigned long long>(passes));
+        return;
+    }
     for (; passes > 0; --passes) {
         sfmt::forwardPass(state_);
     }

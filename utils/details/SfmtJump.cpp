@@ -209,39 +209,43 @@ void timesXModulo(Word* remainder, const Recurrence& p)
     }
 }
 
-} // namespace
-
-void jumpForward(std::uint32_t* words, unsigned long long passes)
+// remainder = remainder * x^-1 mod p. The step can be undone, so p has the term 1, and
+// x * (p - 1) / x = p - 1 = 1 mod p: dividing by x is adding p when the term 1 is set, then
+// shifting down.
+void timesInverseXModulo(Word* remainder, const Recurrence& p)
 {
-    const Recurrence& p = recurrence();
-    // The exponent, 156 blocks a pass, as a 128-bit number in two words: passes may go past 2^64 / 156.
-    const unsigned long long lowPart = (passes & 0xFFFFFFFFu) * blockCount;
-    const unsigned long long highPart = (passes >> 32) * blockCount;
-    const unsigned long long low = lowPart + (highPart << 32);
-    const unsigned long long high = (highPart >> 32) + (low < lowPart ? 1u : 0u);
-    const auto exponentBit = [&](int bit) { return ((bit >= 64 ? high >> (bit - 64) : low >> bit) & 1u) != 0; };
-
-    // x^N mod p, high bits first. While the power is below the degree it needs no reduction.
-    int bit = 127;
-    while (bit >= 0 && !exponentBit(bit)) {
-        --bit;
-    }
-    unsigned long long power = 0;
-    for (; bit >= 0 && 2 * power + (exponentBit(bit) ? 1 : 0) < p.degree; --bit) {
-        power = 2 * power + (exponentBit(bit) ? 1 : 0);
-    }
-    Word remainder[polyWords] = {};
-    setBit(remainder, static_cast<unsigned int>(power));
-    for (; bit >= 0; --bit) {
-        squareModulo(remainder, p);
-        if (exponentBit(bit)) {
-            timesXModulo(remainder, p);
+    if ((remainder[0] & 1u) != 0) {
+        for (unsigned int w = 0; w < polyWords; ++w) {
+            remainder[w] ^= p.shifted[0][w];
         }
     }
+    for (unsigned int w = 0; w + 1 < polyWords; ++w) {
+        remainder[w] = (remainder[w] >> 1) | (remainder[w + 1] << 63);
+    }
+    remainder[polyWords - 1] >>= 1;
+}
 
-    // The state N blocks on is the sum of r_j F^j(state) over the terms of the remainder, built by
-    // Horner's rule: one block step, then the state added if r_j is set. The window of 156 blocks
-    // lives in a ring whose first block is at `head`.
+// The number of blocks in `passes` passes, 156 a pass, as a 128-bit number: passes may go past
+// 2^64 / 156. Bit 127 comes first.
+struct BlockExponent {
+    explicit BlockExponent(unsigned long long passes)
+    {
+        const unsigned long long lowPart = (passes & 0xFFFFFFFFu) * blockCount;
+        const unsigned long long highPart = (passes >> 32) * blockCount;
+        low = lowPart + (highPart << 32);
+        high = (highPart >> 32) + (low < lowPart ? 1u : 0u);
+    }
+    bool bit(int index) const { return ((index >= 64 ? high >> (index - 64) : low >> index) & 1u) != 0; }
+
+    unsigned long long low;
+    unsigned long long high;
+};
+
+// The state after the move that the polynomial `remainder` of the step gives: the sum of
+// r_j F^j(state) over its terms, built by Horner's rule: one block step, then the state added if
+// r_j is set. The window of 156 blocks lives in a ring whose first block is at `head`.
+void applyStepPolynomial(std::uint32_t* words, const Word* remainder, const Recurrence& p)
+{
     Block start[blockCount];
     Block ring[blockCount] = {};
     for (unsigned int i = 0; i < blockCount; ++i) {
@@ -261,6 +265,50 @@ void jumpForward(std::uint32_t* words, unsigned long long passes)
     for (unsigned int i = 0; i < blockCount; ++i) {
         portable::store(words, i, ring[(head + i) % blockCount]);
     }
+}
+
+} // namespace
+
+void jumpForward(std::uint32_t* words, unsigned long long passes)
+{
+    const Recurrence& p = recurrence();
+    const BlockExponent exponent(passes);
+
+    // x^N mod p, high bits first. While the power is below the degree it needs no reduction.
+    int bit = 127;
+    while (bit >= 0 && !exponent.bit(bit)) {
+        --bit;
+    }
+    unsigned long long power = 0;
+    for (; bit >= 0 && 2 * power + (exponent.bit(bit) ? 1 : 0) < p.degree; --bit) {
+        power = 2 * power + (exponent.bit(bit) ? 1 : 0);
+    }
+    Word remainder[polyWords] = {};
+    setBit(remainder, static_cast<unsigned int>(power));
+    for (; bit >= 0; --bit) {
+        squareModulo(remainder, p);
+        if (exponent.bit(bit)) {
+            timesXModulo(remainder, p);
+        }
+    }
+    applyStepPolynomial(words, remainder, p);
+}
+
+void jumpBackward(std::uint32_t* words, unsigned long long passes)
+{
+    const Recurrence& p = recurrence();
+    const BlockExponent exponent(passes);
+
+    // x^-N mod p, high bits first, from 1.
+    Word remainder[polyWords] = {};
+    setBit(remainder, 0);
+    for (int bit = 127; bit >= 0; --bit) {
+        squareModulo(remainder, p);
+        if (exponent.bit(bit)) {
+            timesInverseXModulo(remainder, p);
+        }
+    }
+    applyStepPolynomial(words, remainder, p);
 }
 
 } // namespace sfmt

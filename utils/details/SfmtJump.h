@@ -12,6 +12,8 @@ namespace sfmt {
 /// of bits of `passes` rather than with `passes`: the block sequence is linear over GF(2), so a move
 /// of N blocks is a polynomial in the one-block step, reduced modulo the recurrence of the sequence.
 void jumpForward(std::uint32_t* words, unsigned long long passes);
+/// Gives the state that `passes` backward passes would give, in the same way.
+void jumpBackward(std::uint32_t* words, unsigned long long passes);
 
 } // namespace sfmt
 } // namespace details
