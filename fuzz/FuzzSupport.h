@@ -6,6 +6,9 @@
 
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/AbstractLogger.h>
+#include <orv/utils/DynamicObject.h>
+#include <orv/utils/DynamicObjectIterator.h>
+#include <orv/utils/DynamicValue.h>
 #include <orv/utils/System.h>
 
 #include <cstddef>
@@ -50,6 +53,48 @@ public:
 private:
     std::size_t before_;
 };
+
+/// Whether two objects hold the same properties under the same paths with the same values. The
+/// order of children is left out: keys with bytes above 0x7F that extend another key come out in
+/// an order that depends on the order in which they went in.
+inline bool haveSameValue(const utils::DynamicObject& first, unsigned int firstProperty,
+                          const utils::DynamicObject& second, unsigned int secondProperty)
+{
+    const utils::type::Type type = first.getType(firstProperty);
+    if (type != second.getType(secondProperty)) {
+        return false;
+    }
+    if (type == utils::type::object || type == utils::type::array) {
+        return first.countChildren(firstProperty) == second.countChildren(secondProperty);
+    }
+    utils::DynamicValue firstValue;
+    utils::DynamicValue secondValue;
+    first.retrieveValue(firstProperty, firstValue);
+    second.retrieveValue(secondProperty, secondValue);
+    return firstValue == secondValue;
+}
+
+inline bool haveSameContents(const utils::DynamicObject& first, const utils::DynamicObject& second)
+{
+    if (!haveSameValue(first, first.getRoot(), second, second.getRoot())) {
+        return false;
+    }
+    unsigned int firstCount = 0;
+    utils::DynamicObjectIterator walk(first);
+    for (walk.next(); !walk.end(); walk.next()) {
+        ++firstCount;
+        const unsigned int property = second.getProperty(walk.getKey(), walk.getKeyLength());
+        if (property == 0 || !haveSameValue(first, walk.getProperty(), second, property)) {
+            return false;
+        }
+    }
+    unsigned int secondCount = 0;
+    utils::DynamicObjectIterator other(second);
+    for (other.next(); !other.end(); other.next()) {
+        ++secondCount;
+    }
+    return firstCount == secondCount;
+}
 
 } // namespace fuzz
 } // namespace orv

@@ -1,5 +1,5 @@
 // JSON text from anywhere: read it into a dynamic object, and when it reads, the object's own
-// text must read back to the same text. The reader takes a scalar at the root, but the writer
+// text must read back to the same contents. The reader takes a scalar at the root, but the writer
 // only writes objects and arrays there.
 
 #include "FuzzSupport.h"
@@ -42,6 +42,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     orv::utils::DynamicObject again;
     orv::utils::BufferInput reread(text.data(), static_cast<unsigned int>(text.size()));
     ORV_FUZZ_REQUIRE(orv::utils::deserializeDynamicObjectFromJson(again, reread, &logger));
-    ORV_FUZZ_REQUIRE(writeJson(again, logger) == text);
+    ORV_FUZZ_REQUIRE(orv::fuzz::haveSameContents(object, again));
     return 0;
 }
