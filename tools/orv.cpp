@@ -5,6 +5,7 @@
 #include <orv/utils/Facilities.h>
 #include <orv/utils/OstreamLogger.h>
 #include <orv/utils/Platforms.h>
+#include <orv/utils/Property.h>
 #include <orv/utils/RandomManager.h>
 #include <orv/utils/System.h>
 #include <orv/utils/Type.h>
@@ -48,7 +49,12 @@ int runInfo()
     std::cout << "  type manager: " << ids.size() << " registered types\n";
     for (const orv::utils::Uuid& id : ids) {
         const char* kind = orv::utils::toString(types.getType(id));
-        std::cout << "    " << id << "  " << types.getTypeName(id) << " (" << (kind ? kind : "?") << ")\n";
+        std::cout << "    " << id << "  " << types.getTypeName(id) << " (" << (kind ? kind : "?");
+        const unsigned int count = types.countProperties(id);
+        for (unsigned int i = 0; i < count; ++i) {
+            std::cout << (i == 0 ? ": " : ", ") << types.getProperty(id, i).getKey();
+        }
+        std::cout << ")\n";
     }
     orv::utils::terminate(&logger);
     return 0;
