@@ -7,6 +7,7 @@
 #include <orv/utils/DynamicValue.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/impl/DynamicObjectHelpers.h>
+#include <orv/utils/impl/DynamicObjectIndex.h>
 
 #include <algorithm>
 #include <climits>
@@ -95,7 +96,8 @@ DynamicObject::DynamicObject()
       root_(0),
       lastBlockUsed_(defaultBlockSize),
       firstFreeNode_(0),
-      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
+      index_(nullptr)
 {
     addRootProperty();
 }
@@ -107,7 +109,8 @@ DynamicObject::DynamicObject(NodeAllocator& allocator, StringTable& stringTable)
       root_(0),
       lastBlockUsed_(allocator.blockSize_),
       firstFreeNode_(0),
-      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
+      index_(nullptr)
 {
     addRootProperty();
 }
@@ -119,7 +122,8 @@ DynamicObject::DynamicObject(const DynamicObject& other)
       root_(0),
       lastBlockUsed_(other.nodeAllocator_->blockSize_),
       firstFreeNode_(0),
-      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
+      index_(nullptr)
 {
     doMemoryCopy(other);
 }
@@ -131,7 +135,8 @@ DynamicObject::DynamicObject(const Ref& other)
       root_(0),
       lastBlockUsed_(other.get().nodeAllocator_->blockSize_),
       firstFreeNode_(0),
-      blockShift_(computeBlockShift(nodeAllocator_->blockSize_))
+      blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
+      index_(nullptr)
 {
     doMemoryCopy(other.get());
 }
@@ -139,6 +144,7 @@ DynamicObject::DynamicObject(const Ref& other)
 DynamicObject::~DynamicObject()
 {
     doClear();
+    ORV_DELETE(index_);
     if (isOwning_) {
         ORV_DELETE(nodeAllocator_);
         ORV_DELETE(stringTable_);
@@ -735,12 +741,14 @@ unsigned int DynamicObject::appendElement(unsigned int array)
     bool added;
     unsigned int element;
     unsigned int valueIndex;
-    if (addProperty(array, key, length, added, element, valueIndex) == nullptr) {
+    KeyPlace place{0, 0};
+    if (addProperty(array, key, length, added, element, valueIndex, &place) == nullptr) {
         return 0;
     }
     // Blocks never move, so the value node is still where it was before the key's nodes came.
     value->setPayload(count + 1);
     value->value.type = type::array;
+    indexChild(place.firstLevel, key + 1, length - 1, place.level, count + 1);
     return element;
 }
 

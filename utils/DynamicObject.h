@@ -24,6 +24,7 @@ class TypeManager;
 class Uuid;
 
 namespace impl {
+class DynamicObjectIndex;
 class DynamicObjectPropertyChildrenIterator;
 class DynamicObjectPathCreator;
 } // namespace impl
@@ -258,12 +259,15 @@ private:
             slot = offset % nodeAllocator_->blockSize_;
         }
         if (__builtin_expect(block >= blocks_.size(), 0)) {
-            ORV_FAIL("Block index out of range");
-            // The hook returned: a handle past the blocks names nothing, rather than memory not ours.
-            return nullptr;
+            return reportBlockOutOfRange();
         }
         return blocks_[block] + slot;
     }
+
+    /// The failed assertion of a handle past the blocks, kept out of line so that getNode stays small
+    /// enough to inline into every walk. The hook returned: such a handle names nothing, rather than
+    /// memory not ours.
+    static Node* reportBlockOutOfRange();
 
     static constexpr unsigned int noBlockShift = 0xFFFFFFFFu;
     /// log2 of the block size when it is a power of two, else noBlockShift.
@@ -280,6 +284,14 @@ private:
                         unsigned int& valueIndex) const;
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
                       unsigned int& valueIndex);
+    /// Where an insertion left its key: the nodes that the equal links after the key's first and
+    /// last characters lead to, which are where a walk of the following text continues.
+    struct KeyPlace {
+        unsigned int firstLevel;
+        unsigned int level;
+    };
+    Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
+                      unsigned int& valueIndex, KeyPlace* place);
     bool eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed);
     bool eraseProperty(unsigned int property, const char* key, unsigned int length);
     void addRootProperty();
@@ -305,9 +317,25 @@ private:
     /// Removes the children of an array or object value before a scalar is stored.
     void prepareScalarWrite(unsigned int property, Node*& value);
 
+    // The side index of the trie (never saved): shortcuts for the pieces of keys under containers
+    // with many children. Kept by every change of structure; lookups only read it.
+    /// Records that a walk from `stand` over `piece` goes on from `target`, the child just made
+    /// being one of `count` under that stand; the level is indexed once it has enough children.
+    void indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                    unsigned long long count);
+    /// Takes out the shortcut of a child about to be erased.
+    void forgetChild(unsigned int stand, const char* piece, unsigned int length);
+    /// Records the shortcuts of every child under `stand`, and marks the level as indexed.
+    void indexLevel(unsigned int stand);
+    /// Drops the whole index and records it afresh from the nodes.
+    void rebuildIndex();
+    void copyIndex(const DynamicObject& other);
+
     // Listener notification. A null entry is a failed assertion and is then skipped.
     template <typename Call>
     void notify(Call call) const;
+    template <typename Call>
+    void notifyListeners(Call call) const;
 
     NodeAllocator* nodeAllocator_;
     StringTable* stringTable_;
@@ -319,6 +347,8 @@ private:
     unsigned int firstFreeNode_;
     // Derived from the allocator's block size, for getNode.
     unsigned int blockShift_;
+    // Made by the first level worth indexing; null until then.
+    impl::DynamicObjectIndex* index_;
 };
 
 } // namespace utils

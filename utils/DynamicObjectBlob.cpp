@@ -176,6 +176,8 @@ bool DynamicObject::loadBlob(AbstractDataInputOutput& input, AbstractLogger* log
     for (; reused < held.size(); ++reused) {
         nodeAllocator_->deallocate(held[reused]);
     }
+    // The side index is not part of a blob: it is made again from the nodes.
+    rebuildIndex();
     return true;
 }
 

@@ -52,23 +52,37 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
     unsigned int property = 0;
     unsigned int valueIndex = 0;
     Node* value = nullptr;
+    // Where the child's own piece of key begins, for the side index: the root for its children,
+    // otherwise the node behind the parent's `.`.
+    KeyPlace place{0, 0};
+    unsigned int stand = 0;
+    const char* piece = key;
+    unsigned int pieceLength = length;
     if (parent == root_) {
         // Children of the root have no leading separator.
         if (key[0] == '.') {
             ++key;
             --length;
         }
-        value = addProperty(root_, key, length, added, property, valueIndex);
+        value = addProperty(root_, key, length, added, property, valueIndex, &place);
+        stand = root_;
+        piece = key;
+        pieceLength = length;
     } else if (key[0] == '.') {
-        value = addProperty(parent, key, length, added, property, valueIndex);
+        value = addProperty(parent, key, length, added, property, valueIndex, &place);
+        stand = place.firstLevel;
+        piece = key + 1;
+        pieceLength = length - 1;
     } else {
         unsigned int start;
         findNode(parent, ".", 1, false, start);
         if (start != 0) {
-            value = addProperty(start, key, length, added, property, valueIndex);
+            value = addProperty(start, key, length, added, property, valueIndex, &place);
+            stand = start;
         } else {
             const impl::DottedKey dotted(key, length);
-            value = addProperty(parent, dotted.text(), dotted.length(), added, property, valueIndex);
+            value = addProperty(parent, dotted.text(), dotted.length(), added, property, valueIndex, &place);
+            stand = place.firstLevel;
         }
     }
     ORV_CHECK(value != nullptr, "Unable to add a child.");
@@ -84,6 +98,7 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
                 parentValue->value.type == type::object ? parentValue->getPayload() : 0;
             parentValue->setPayload(count + 1);
             parentValue->value.type = type::object;
+            indexChild(stand, piece, pieceLength, place.level, count + 1);
         }
     }
     return property;
@@ -133,7 +148,16 @@ bool DynamicObject::eraseChild(unsigned int parent, const char* key, unsigned in
     }
     // An end-of-key node is kept alive by its children: they go first.
     resetProperty(child);
+    // A key with a separator reaches below the parent's children, to a property whose shortcut
+    // belongs to another level: the index is then made afresh.
+    const bool reachesBelow = std::memchr(key, '.', length) != nullptr || std::memchr(key, '[', length) != nullptr;
+    if (!reachesBelow) {
+        forgetChild(isRoot ? root_ : findChildrenStart(parent), key, length);
+    }
     eraseProperty(parent, fullKey, fullLength);
+    if (reachesBelow && index_ != nullptr) {
+        rebuildIndex();
+    }
     Node* parentValue = findValueNodeAsserts(parent);
     if (parentValue != nullptr) {
         const unsigned long long count = parentValue->getPayload() - 1;
@@ -294,6 +318,10 @@ bool DynamicObject::eraseChild(unsigned int parent, unsigned int index)
     unsigned int last;
     findNode(parent, key, length, true, last);
     resetProperty(last);
+    // The swaps moved node contents only: the shortcuts of the other positions still hold.
+    unsigned int elements;
+    findNode(parent, "[", 1, false, elements);
+    forgetChild(elements, key + 1, length - 1);
     // The count is not tested for 0 here: the array stays an array with no element, unlike an array
     // resized to 0. Callers rely on it.
     return eraseProperty(parent, key, length);
@@ -331,15 +359,23 @@ bool DynamicObject::resize(unsigned int property, unsigned int newSize)
         bool added;
         unsigned int element;
         unsigned int valueIndex;
-        if (addProperty(property, key, length, added, element, valueIndex) == nullptr) {
+        KeyPlace place{0, 0};
+        if (addProperty(property, key, length, added, element, valueIndex, &place) == nullptr) {
             return false;
         }
+        // An element's piece is its index and closing bracket, from behind the `[`.
+        indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
+    }
+    unsigned int elements = 0;
+    if (count > newSize) {
+        findNode(property, "[", 1, false, elements);
     }
     for (unsigned int index = count; index > newSize; --index) {
         const unsigned int length = formatArrayKey(index - 1, key);
         unsigned int element;
         findNode(property, key, length, true, element);
         resetProperty(element);
+        forgetChild(elements, key + 1, length - 1);
         eraseProperty(property, key, length);
     }
     return true;
@@ -433,11 +469,17 @@ unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, un
     bool added = false;
     unsigned int renamed = 0;
     unsigned int newValueIndex = 0;
-    Node* newValue = addProperty(start, newKey, newLength, added, renamed, newValueIndex);
+    KeyPlace place{0, 0};
+    Node* newValue = addProperty(start, newKey, newLength, added, renamed, newValueIndex, &place);
     if (newValue == nullptr || !added) {
         ORV_FAIL("Can't add to the given property a child named " << impl::keyText(newKey, newLength));
         return 0;
     }
+    // The count of children does not change: a level not yet indexed stays so.
+    indexChild(start, newKey, newLength, place.level, 0);
+    // A key with a separator names a property of another level, and a new end-of-key node that
+    // already led to other keys loses them below: either way the index is made afresh at the end.
+    bool rebuild = std::memchr(key, '.', length) != nullptr || std::memchr(key, '[', length) != nullptr;
     const Node* oldValue = getNode(oldValueIndex);
     *newValue = *oldValue;
     const unsigned char childType = newValue->value.type;
@@ -469,13 +511,22 @@ unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, un
             Node* newSeparator = allocateNode(separator, newSeparatorIndex);
             if (newSeparator != nullptr) {
                 newSeparator->trie.equal = childrenLink;
-                getNode(renamed)->trie.greater = newSeparatorIndex;
+                Node* renamedNode = getNode(renamed);
+                rebuild = rebuild || renamedNode->trie.greater != 0;
+                renamedNode->trie.greater = newSeparatorIndex;
                 separatorNode->trie.equal = 0;
             }
         }
     }
+    // The children moved with the node behind their separator, which keys their shortcuts.
+    if (!rebuild) {
+        forgetChild(start, key, length);
+    }
     const bool removed = eraseProperty(start, key, length);
     ORV_CHECK(removed, "Can't remove from the given property its child named " << impl::keyText(key, length));
+    if (rebuild && index_ != nullptr) {
+        rebuildIndex();
+    }
     return renamed;
 }
 

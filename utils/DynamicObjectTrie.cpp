@@ -4,12 +4,19 @@
 #include <orv/utils/DynamicObject.h>
 
 #include <orv/utils/impl/DynamicObjectHelpers.h>
+#include <orv/utils/impl/DynamicObjectIndex.h>
 
 #include <algorithm>
 #include <cstring>
 
 namespace orv {
 namespace utils {
+
+DynamicObject::Node* DynamicObject::reportBlockOutOfRange()
+{
+    ORV_FAIL("Block index out of range");
+    return nullptr;
+}
 
 DynamicObject::Node* DynamicObject::allocateNode(char splitChar, unsigned int& index)
 {
@@ -67,6 +74,9 @@ void DynamicObject::deallocateNode(Node* node, unsigned int index)
         node->free.next = firstFreeNode_;
         firstFreeNode_ = index;
     }
+    if (index_ != nullptr) {
+        index_->unmark(index);
+    }
 }
 
 DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key, unsigned int length,
@@ -74,14 +84,32 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
 {
     // Every lookup runs this loop, one node per step: it keeps the cursor in a register, reads the
     // block table once, and picks the next link by its offset in the node rather than by a branch
-    // (greater at byte 0, equal at 4, less at 8).
+    // (greater at byte 0, equal at 4, less at 8). Where a piece of the key begins (at the start,
+    // or behind a separator) on a level that the side index covers, one probe may take the walk
+    // to the end of the piece at once; a miss goes on node by node.
     unsigned int current = start;
     unsigned int position = 0;
     Node* const* const blocks = blocks_.data();
     const std::size_t blockCount = blocks_.size();
     const unsigned int shift = blockShift_;
     const unsigned int mask = shift != noBlockShift ? (1u << shift) - 1 : 0;
+    const impl::DynamicObjectIndex* const sideIndex = toProperty ? index_ : nullptr;
+    bool atPiece = true;
+    bool pastLastPiece = false;
     while (current != 0 && position < length) {
+        if (sideIndex != nullptr && atPiece && sideIndex->isIndexed(current)) {
+            unsigned int end = position;
+            while (end < length && key[end] != '.' && key[end] != '[') {
+                ++end;
+            }
+            const unsigned int target = sideIndex->find(current, key + position, end - position);
+            if (target != 0) {
+                current = target;
+                position = end;
+                pastLastPiece = position == length;
+                continue;
+            }
+        }
         const Node* node;
         const unsigned int offset = current - 1;
         if (shift != noBlockShift && (offset >> shift) < blockCount) {
@@ -110,13 +138,17 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
         const unsigned int linkOffset = c < split ? 8u : (equal ? 4u : 0u);
         std::memcpy(&current, node->bytes + linkOffset, sizeof(current));
         position += equal ? 1 : 0;
+        atPiece = equal && (c == '.' || c == '[');
     }
     index = current;
     if (index != 0 && toProperty) {
         const Node* node = getNode(index);
-        if (node != nullptr && node->trie.splitChar != 0) {
+        // A piece taken from the side index left the walk behind the last character already.
+        if (pastLastPiece || (node != nullptr && node->trie.splitChar != 0)) {
             // Down the level after the key: its end-of-key node ends the chain of smaller characters.
-            index = node->trie.equal;
+            if (!pastLastPiece) {
+                index = node->trie.equal;
+            }
             while (index != 0) {
                 node = getNode(index);
                 if (node == nullptr) {
@@ -166,14 +198,23 @@ DynamicObject::Node* DynamicObject::findValueNode(unsigned int start, const char
 DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* key, unsigned int length,
                                                 bool& added, unsigned int& property, unsigned int& valueIndex)
 {
+    return addProperty(start, key, length, added, property, valueIndex, nullptr);
+}
+
+DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* key, unsigned int length,
+                                                bool& added, unsigned int& property, unsigned int& valueIndex,
+                                                KeyPlace* place)
+{
     notify([](AbstractDynamicObjectListener& listener) { listener.beforeAddProperty(); });
     added = false;
     property = 0;
     valueIndex = 0;
 
-    // Blocks never move, so a link may point into a node while other nodes are allocated.
+    // Blocks never move, so a link may point into a node while other nodes are allocated; the links
+    // after the first and the last character are read once the key is complete.
     unsigned int startLink = start;
     unsigned int* link = &startLink;
+    unsigned int* firstLink = &startLink;
     unsigned int position = 0;
     while (position < length && *link != 0) {
         property = *link;
@@ -182,13 +223,15 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
             return nullptr;
         }
         const signed char c = static_cast<signed char>(key[position]);
-        if (c == node->trie.splitChar) {
+        const signed char split = node->trie.splitChar;
+        if (c == split) {
             link = &node->trie.equal;
+            if (position == 0) {
+                firstLink = link;
+            }
             ++position;
-        } else if (c < node->trie.splitChar) {
-            link = &node->trie.less;
         } else {
-            link = &node->trie.greater;
+            link = c < split ? &node->trie.less : &node->trie.greater;
         }
     }
     for (; position < length; ++position) {
@@ -199,7 +242,11 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         }
         *link = index;
         link = &node->trie.equal;
+        if (position == 0) {
+            firstLink = link;
+        }
     }
+    unsigned int* const levelLink = link;
     // The end-of-key node sits at the bottom of the chain of smaller characters of its level,
     // whatever that chain holds: nothing is ever rebalanced.
     while (*link != 0) {
@@ -237,6 +284,10 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         if (value == nullptr || !value->isValueNode()) {
             return nullptr;
         }
+    }
+    if (place != nullptr) {
+        place->firstLevel = *firstLink;
+        place->level = *levelLink;
     }
     notify([key, length, property](AbstractDynamicObjectListener& listener) {
         listener.afterAddProperty(key, length, property);
@@ -315,6 +366,9 @@ void DynamicObject::doClear()
     blocks_.clear();
     firstFreeNode_ = 0;
     lastBlockUsed_ = nodeAllocator_->blockSize_;
+    if (index_ != nullptr) {
+        index_->clear();
+    }
 }
 
 void DynamicObject::doMemoryCopy(const DynamicObject& other)
@@ -334,6 +388,7 @@ void DynamicObject::doMemoryCopy(const DynamicObject& other)
     // every index and handle of the source.
     lastBlockUsed_ = other.lastBlockUsed_;
     root_ = other.root_;
+    copyIndex(other);
     notify([](AbstractDynamicObjectListener& listener) { listener.afterCopy(); });
 }
 
@@ -364,7 +419,201 @@ void DynamicObject::doCopyAcrossBlockSizes(const DynamicObject& other)
     // Taken over as it stands, although it now counts slots against another block size.
     lastBlockUsed_ = other.lastBlockUsed_;
     root_ = other.root_;
+    copyIndex(other);
     notify([](AbstractDynamicObjectListener& listener) { listener.afterCopy(); });
+}
+
+// The side index.
+
+namespace {
+
+using impl::DynamicObjectIndex;
+
+/// A key of a level found by the walks below the nodes: the piece from the stand, and the node the
+/// equal link of its last character leads to.
+struct LevelKey {
+    unsigned int stand;
+    unsigned int level;
+    unsigned long long piece;
+};
+
+/// A node of the walk over the nodes, with the stand it belongs to and the piece so far.
+struct LevelFrame {
+    unsigned int node;
+    unsigned int stand;
+    unsigned int level;
+    unsigned int length;
+    unsigned long long piece;
+};
+
+unsigned int unpackPiece(unsigned long long piece, char* text)
+{
+    unsigned int length = 0;
+    for (; length < sizeof(piece) && ((piece >> (8 * length)) & 0xFF) != 0; ++length) {
+        text[length] = static_cast<char>((piece >> (8 * length)) & 0xFF);
+    }
+    return length;
+}
+
+} // namespace
+
+void DynamicObject::indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                               unsigned long long count)
+{
+    if (stand == 0 || target == 0) {
+        return;
+    }
+    if (index_ != nullptr && index_->isIndexed(stand)) {
+        index_->add(stand, piece, length, target);
+    } else if (count >= DynamicObjectIndex::indexedChildCount) {
+        indexLevel(stand);
+    }
+}
+
+void DynamicObject::forgetChild(unsigned int stand, const char* piece, unsigned int length)
+{
+    if (index_ != nullptr && stand != 0 && index_->isIndexed(stand)) {
+        index_->remove(stand, piece, length);
+    }
+}
+
+namespace {
+
+/// Walks the nodes below `start` without a failed assertion for anything odd (links out of the
+/// store, value nodes on the way, loops): the index is rebuilt from loaded blocks, which may be
+/// anything. `visit` sees every key of a level as it is met; `intoSeparators` says whether the walk
+/// enters the levels behind separators too, each with its first node as its stand.
+template <typename NodeAt, typename Visit>
+void walkLevels(unsigned int start, bool intoSeparators, std::size_t nodeCount, NodeAt nodeAt, Visit visit)
+{
+    Vector<LevelFrame> stack;
+    stack.push_back(LevelFrame{start, start, 0, 0, 0});
+    // In a tree every node is met once; more steps than nodes means a loop.
+    std::size_t steps = 0;
+    while (!stack.empty() && steps++ <= nodeCount) {
+        const LevelFrame frame = stack.back();
+        stack.pop_back();
+        const DynamicObject::Node* node = nodeAt(frame.node);
+        if (node == nullptr || node->isValueNode()) {
+            continue;
+        }
+        if (node->trie.less != 0) {
+            stack.push_back(LevelFrame{node->trie.less, frame.stand, frame.level, frame.length, frame.piece});
+        }
+        if (node->trie.greater != 0) {
+            stack.push_back(LevelFrame{node->trie.greater, frame.stand, frame.level, frame.length, frame.piece});
+        }
+        const signed char c = node->trie.splitChar;
+        const unsigned int equal = node->trie.equal;
+        if (c == 0) {
+            if (frame.length != 0) {
+                visit(LevelKey{frame.stand, frame.level, frame.piece});
+            }
+        } else if (c == '.' || c == '[') {
+            if (intoSeparators && equal != 0) {
+                stack.push_back(LevelFrame{equal, equal, 0, 0, 0});
+            }
+        } else if (frame.length < sizeof(frame.piece) && equal != 0) {
+            const unsigned long long piece =
+                frame.piece | (static_cast<unsigned long long>(static_cast<unsigned char>(c)) << (8 * frame.length));
+            stack.push_back(LevelFrame{equal, frame.stand, equal, frame.length + 1, piece});
+        }
+    }
+}
+
+/// Where a walk from `stand` over `text` goes on, as findNode without a property would say, but
+/// with 0 instead of a failed assertion for anything odd.
+template <typename NodeAt>
+unsigned int walkPiece(unsigned int stand, const char* text, unsigned int length, std::size_t nodeCount,
+                       NodeAt nodeAt)
+{
+    unsigned int current = stand;
+    unsigned int position = 0;
+    for (std::size_t steps = 0; current != 0 && position < length && steps <= nodeCount; ++steps) {
+        const DynamicObject::Node* node = nodeAt(current);
+        if (node == nullptr || node->isValueNode()) {
+            return 0;
+        }
+        const signed char c = static_cast<signed char>(text[position]);
+        if (c == node->trie.splitChar) {
+            current = node->trie.equal;
+            ++position;
+        } else {
+            current = c < node->trie.splitChar ? node->trie.less : node->trie.greater;
+        }
+    }
+    return position == length ? current : 0;
+}
+
+} // namespace
+
+void DynamicObject::indexLevel(unsigned int stand)
+{
+    if (index_ == nullptr) {
+        index_ = ORV_NEW(DynamicObjectIndex)();
+        if (index_ == nullptr) {
+            return;
+        }
+    }
+    if (index_->isIndexed(stand)) {
+        return;
+    }
+    index_->mark(stand);
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->blockSize_;
+    auto nodeAt = [this, nodeCount](unsigned int index) {
+        return index != 0 && index <= nodeCount ? getNode(index) : nullptr;
+    };
+    walkLevels(stand, false, nodeCount, nodeAt, [this, stand, nodeCount, &nodeAt](const LevelKey& key) {
+        // A shortcut is only kept where the walk of its text agrees, whatever the shape of the level.
+        char text[sizeof(key.piece)];
+        const unsigned int length = unpackPiece(key.piece, text);
+        if (walkPiece(stand, text, length, nodeCount, nodeAt) == key.level) {
+            index_->add(stand, text, length, key.level);
+        }
+    });
+}
+
+void DynamicObject::rebuildIndex()
+{
+    if (index_ != nullptr) {
+        index_->clear();
+    }
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->blockSize_;
+    auto nodeAt = [this, nodeCount](unsigned int index) {
+        return index != 0 && index <= nodeCount ? getNode(index) : nullptr;
+    };
+    Vector<LevelKey> keys;
+    walkLevels(root_, true, nodeCount, nodeAt, [&keys](const LevelKey& key) { keys.push_back(key); });
+    std::sort(keys.begin(), keys.end(),
+              [](const LevelKey& a, const LevelKey& b) { return a.stand < b.stand; });
+    for (std::size_t first = 0; first < keys.size();) {
+        std::size_t last = first;
+        while (last < keys.size() && keys[last].stand == keys[first].stand) {
+            ++last;
+        }
+        if (last - first >= DynamicObjectIndex::indexedChildCount) {
+            indexLevel(keys[first].stand);
+        }
+        first = last;
+    }
+}
+
+void DynamicObject::copyIndex(const DynamicObject& other)
+{
+    // Indices name the same nodes in a copy, unless a block could not be had for it.
+    const bool complete = blocks_.size() * nodeAllocator_->blockSize_ >=
+                          other.blocks_.size() * other.nodeAllocator_->blockSize_;
+    if (other.index_ == nullptr || !complete) {
+        if (index_ != nullptr) {
+            index_->clear();
+        }
+        return;
+    }
+    if (index_ == nullptr) {
+        index_ = ORV_NEW(DynamicObjectIndex)(*other.index_);
+    } else {
+        *index_ = *other.index_;
+    }
 }
 
 } // namespace utils

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 
 using orv::test::AssertionCapture;
 using orv::test::dump;
@@ -164,6 +165,11 @@ TEST(DynamicObjectTrie, LookupsAllocateNothing)
     DynamicObject object;
     object.setInt("alpha.beta[3].gamma", 7);
     object.setString("alpha.name", "text");
+    // Containers large enough for their children to have shortcuts beside the trie.
+    object.resize("alpha.beta", 40);
+    for (int i = 0; i < 40; ++i) {
+        object.setInt(("alpha.k" + std::to_string(i)).c_str(), i);
+    }
     const unsigned int beta = object.getProperty("alpha.beta");
     const unsigned int alpha = object.getProperty("alpha");
     const char path[] = "alpha.beta[3].gamma";

@@ -13,6 +13,16 @@ namespace utils {
 template <typename Call>
 void DynamicObject::notify(Call call) const
 {
+    // Most objects have no listener: the test stays inline in every operation, and the walk over
+    // the listeners with its checks does not.
+    if (!listeners_.empty()) {
+        notifyListeners(call);
+    }
+}
+
+template <typename Call>
+void DynamicObject::notifyListeners(Call call) const
+{
     for (std::size_t i = 0; i < listeners_.size(); ++i) {
         ORV_CHECK(listeners_[i] != nullptr, "listeners_[i]");
         // The hook returned: there is no object to call, so this entry is passed over.
