@@ -22,23 +22,50 @@ DynamicObjectIterator::DynamicObjectIterator(const DynamicObject& object, unsign
 
 DynamicObjectIterator::DynamicObjectIterator(const DynamicObject& object, unsigned int property,
                                              unsigned int maximumDepth)
-    : object_(object), maximumDepth_(maximumDepth), currentProperty_(0), currentDepth_(0)
+    : object_(object)
+    , maximumDepth_(maximumDepth)
+    , currentProperty_(0)
+    , currentDepth_(0)
+    , walkDepth_(0)
+    , walkKeyLength_(0)
+    , walkStart_(0)
+    , walkStartValue_(0)
 {
     initialize(property);
 }
 
 void DynamicObjectIterator::initialize(unsigned int property)
 {
-    pushChildren(property);
+    if (maximumDepth_ == 0 && object_.getType(property) == type::object) {
+        // The walk goes to the first child now, so that `end` tells at once whether there is one;
+        // the first `next` only makes it current.
+        walkStart_ = property;
+        walkStartValue_ = impl::DynamicObjectPropertyChildrenIterator::findValueIndex(object_, property);
+        unsigned int child = property;
+        step(child);
+    } else {
+        pushChildren(property);
+    }
     path_.clear();
     path_.push_back('\0');
     currentProperty_ = property;
+}
+
+void DynamicObjectIterator::step(unsigned int& child)
+{
+    impl::VectorStack<unsigned int> stack(walk_, walkDepth_);
+    impl::VectorStack<char> key(keys_, walkKeyLength_);
+    impl::DynamicObjectPropertyChildrenIterator::advance(object_, walkStart_, walkStartValue_, child, stack, key);
 }
 
 void DynamicObjectIterator::restart(unsigned int property)
 {
     stack_.clear();
     keys_.clear();
+    walkDepth_ = 0;
+    walkKeyLength_ = 0;
+    walkStart_ = 0;
+    walkStartValue_ = 0;
     currentDepth_ = 0;
     initialize(property);
 }
@@ -90,6 +117,22 @@ void DynamicObjectIterator::cutPath(char separator)
 
 DynamicObjectIterator& DynamicObjectIterator::next()
 {
+    if (walkDepth_ != 0) {
+        // A walk of direct children: its begin and end events are the steps of the walk.
+        if (currentDepth_ == 0) {
+            currentDepth_ = 1;
+        } else {
+            unsigned int child = currentProperty_;
+            step(child);
+            if (walkDepth_ == 0) {
+                currentDepth_ = 0;
+                return *this;
+            }
+        }
+        // The child is the end-of-key node just below its value node.
+        currentProperty_ = walk_[walkDepth_ - 2];
+        return *this;
+    }
     // End events only tidy up: the loop goes on to the next begin event.
     while (!stack_.empty()) {
         const Event event = stack_.back();
@@ -99,8 +142,7 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             if (currentDepth_ < maximumDepth_) {
                 pushChildren(event.property);
             }
-            // The path is "the parent's path.key"; see isKeyInStore for maximum depth 0.
-            if (maximumDepth_ != 0) {
+            {
                 std::size_t size = path_.size() - 1;
                 if (size != 0) {
                     path_[size++] = '.';
@@ -112,9 +154,7 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             currentProperty_ = event.property;
             return *this;
         case objectChildEnd:
-            if (maximumDepth_ != 0) {
-                cutPath('.');
-            }
+            cutPath('.');
             std::fill(keys_.begin() + event.keyOffset, keys_.begin() + event.keyOffset + event.keyLength, '\0');
             while (!keys_.empty() && keys_.back() == '\0') {
                 keys_.pop_back();

@@ -33,16 +33,18 @@ public:
     /// A maximum depth of 0 gives only the direct children of the start.
     DynamicObjectIterator(const DynamicObject& object, unsigned int property, unsigned int maximumDepth);
 
-    bool end() const { return stack_.empty(); }
+    bool end() const { return stack_.empty() && walkDepth_ == 0; }
     DynamicObjectIterator& next();
 
     /// The current property; the start before the first `next`.
     unsigned int getProperty() const { return currentProperty_; }
     /// The path of the current property from the start, terminated; empty at the start.
-    const char* getKey() const { return isKeyInStore() ? keys_.data() + stack_.back().keyOffset : path_.data(); }
+    const char* getKey() const { return isWalkingChildren() ? keys_.data() + skippedSeparator() : path_.data(); }
     unsigned int getKeyLength() const
     {
-        return isKeyInStore() ? stack_.back().keyLength : static_cast<unsigned int>(path_.size()) - 1;
+        // The key of a children walk ends with the end-of-key character, a terminator.
+        return isWalkingChildren() ? walkKeyLength_ - 1 - skippedSeparator()
+                                   : static_cast<unsigned int>(path_.size()) - 1;
     }
     const DynamicObject& getDynamicObject() const { return object_; }
 
@@ -54,15 +56,21 @@ private:
     /// Back to the state of a new iterator from `property`, keeping the memory of the stacks.
     void restart(unsigned int property);
     void pushChildren(unsigned int property);
+    /// One step of the children walk, from `child` (the start before the first) to the next child.
+    void step(unsigned int& child);
     /// Cuts the path back to the last `separator`, or to nothing.
     void cutPath(char separator);
-    /// Whether the current path is an object child's key alone, held in the key store with its
-    /// terminator. A walk of direct children (maximum depth 0) reads keys from there instead of
-    /// copying each one into the path; the end event of the current child is then on top.
-    bool isKeyInStore() const
-    {
-        return maximumDepth_ == 0 && currentDepth_ != 0 && stack_.back().kind == objectChildEnd;
-    }
+
+    // The direct children of an object (maximum depth 0) are not gathered up front: the iterator
+    // steps the children walk itself, one child per `next`, with the key store as the walk's key
+    // buffer. The path is then the current key alone, read from there where the walk left it.
+    bool isWalkingChildren() const { return currentDepth_ != 0 && walkDepth_ != 0; }
+    /// While a children walk is at a child: the index of the child's value node, which the walk
+    /// has just reached, when the child is an end-of-key node (its key character is the
+    /// terminator); 0 otherwise, as a look-up of the value would find none.
+    unsigned int getWalkValue() const { return keys_[walkKeyLength_ - 1] == '\0' ? walk_[walkDepth_ - 1] : 0; }
+    /// 1 when the walk's key starts with the `.` that leads from a property to its children.
+    std::size_t skippedSeparator() const { return keys_[0] == '.' ? 1 : 0; }
 
     const DynamicObject& object_;
     unsigned int maximumDepth_;
@@ -71,6 +79,15 @@ private:
     Vector<Event> stack_;
     Vector<char> path_;
     Vector<char> keys_;
+    /// The node stack of a children walk, and the count of its entries in use (the Vector's size is
+    /// only its room); 0 otherwise, and once the walk has ended. The key store holds the walk's
+    /// key buffer, `walkKeyLength_` bytes of it in use.
+    Vector<unsigned int> walk_;
+    unsigned int walkDepth_;
+    unsigned int walkKeyLength_;
+    /// The object whose children are walked, and the index of its value node.
+    unsigned int walkStart_;
+    unsigned int walkStartValue_;
 };
 
 } // namespace utils

@@ -3,6 +3,7 @@
 #include <orv/utils/DynamicObject.h>
 
 #include <orv/utils/AbstractObjectBuilder.h>
+#include <orv/utils/AbstractPropertyParser.h>
 #include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/details/Logging.h>
@@ -43,12 +44,13 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
     Vector<DynamicObjectIterator> iterators;
     unsigned int objectDepth = 0;
 
+    // The property whose value goes out next, and its value node: one look-up serves the type and
+    // the value, and the walks of objects and arrays find the node on their way to the child.
     unsigned int current = property;
+    const Node* value = findValueNode(current);
     bool valueDue = true;
     for (;;) {
         if (valueDue) {
-            // One look-up of the value node serves the type and the value.
-            const Node* value = findValueNode(current);
             const unsigned int propertyType = value != nullptr ? value->value.type : static_cast<unsigned int>(type::null);
             bool accepted = true;
             switch (propertyType) {
@@ -112,6 +114,8 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                     return false;
                 }
                 current = children.getProperty();
+                const unsigned int valueIndex = children.getWalkValue();
+                value = valueIndex != 0 ? getNode(valueIndex) : nullptr;
                 valueDue = true;
                 continue;
             }
@@ -124,7 +128,11 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 if (!builder.arrayChild()) {
                     return false;
                 }
-                current = getChild(level.property, level.index++);
+                // As getChild finds an element, without asking the array's type again.
+                char key[16];
+                const unsigned int length = formatArrayKey(level.index++, key);
+                unsigned int valueIndex;
+                value = findValueNode(level.property, key, length, current, valueIndex);
                 valueDue = true;
                 continue;
             }
