@@ -31,12 +31,16 @@ public:
     /// bytes without a call (the JSON writer sends most of its text that way).
     bool write(const char* buffer, unsigned int size, AbstractLogger* logger) override
     {
-        if (size > capacity_ - size_) {
+        const unsigned int used = size_;
+        if (size > capacity_ - used) {
             return writeGrowing(buffer, size, logger);
         }
-        char* end = bytes_ + size_;
+        char* end = bytes_ + used;
+        size_ = used + size;
         // Fixed-size copies from both ends, overlapping in the middle, compile to plain moves.
-        if (size < 4) {
+        if (size == 1) {
+            end[0] = buffer[0];
+        } else if (size < 4) {
             if (size != 0) {
                 end[0] = buffer[0];
                 end[size / 2] = buffer[size / 2];
@@ -51,7 +55,6 @@ public:
         } else {
             std::memcpy(end, buffer, size);
         }
-        size_ += size;
         return true;
     }
     bool isReadable() const override;
