@@ -51,7 +51,7 @@ void DynamicObjectIterator::initialize(unsigned int property)
     currentProperty_ = property;
 }
 
-void DynamicObjectIterator::step(unsigned int& child)
+inline void DynamicObjectIterator::step(unsigned int& child)
 {
     impl::VectorStack<unsigned int> stack(walk_, walkDepth_);
     impl::VectorStack<char> key(keys_, walkKeyLength_);

@@ -109,6 +109,43 @@ __attribute__((noinline, cold)) void reportRootNotStarted(AbstractLogger* logger
     ORV_LOG_ERROR(logger, error::invalidOperation, "Expected object or array");
 }
 
+/// The status of `real`: a value JSON can't hold is named as such.
+__attribute__((noinline, cold)) bool reportRealStatus(AbstractLogger* logger, yajl_gen_status status, double value)
+{
+    if (status == yajl_gen_invalid_number) {
+        ORV_LOG_ERROR(logger, error::invalidArgument, "Invalid real value passed: " << value);
+        return false;
+    }
+    return reportStatus(logger, status);
+}
+
+/// The status of `string`.
+__attribute__((noinline, cold)) bool reportStringStatus(
+    AbstractLogger* logger, yajl_gen_status status, const char* value, unsigned int size)
+{
+    if (status == yajl_gen_invalid_string) {
+        ORV_LOG_ERROR(logger, error::invalidOperation, "Invalid string value passed: " << std::string(value, size));
+        return false;
+    }
+    return reportStatus(logger, status);
+}
+
+/// The status of `objectChild`.
+__attribute__((noinline, cold)) bool reportKeyStatus(
+    AbstractLogger* logger, yajl_gen_status status, const char* key, unsigned int size)
+{
+    if (status == yajl_gen_keys_must_be_strings) {
+        ORV_LOG_ERROR(
+            logger, error::invalidOperation, "Unexpected YAJL returned status: yajl_gen_keys_must_be_strings");
+        return false;
+    }
+    if (status == yajl_gen_invalid_string) {
+        ORV_LOG_ERROR(logger, error::invalidOperation, "Invalid object child key passed: " << std::string(key, size));
+        return false;
+    }
+    return reportStatus(logger, status);
+}
+
 /// True for success; anything else is reported.
 inline bool checkStatus(AbstractLogger* logger, yajl_gen_status status)
 {
@@ -186,7 +223,7 @@ bool JsonSerializer::end()
     return true;
 }
 
-void* JsonSerializer::openGenerator()
+inline void* JsonSerializer::openGenerator()
 {
     impl::JsonSerializerContext* context = context_.get();
     if (__builtin_expect(context != nullptr && context->generator != nullptr, 1)) {
@@ -196,7 +233,7 @@ void* JsonSerializer::openGenerator()
     return nullptr;
 }
 
-bool JsonSerializer::checkRootStarted()
+inline bool JsonSerializer::checkRootStarted()
 {
     if (__builtin_expect(rootStarted_, 1)) {
         return true;
@@ -258,11 +295,7 @@ bool JsonSerializer::real(double value)
         // The generator refuses these before it writes anything, after the same place checks.
         status = yajl_gen_double(generator, value);
     }
-    if (status == yajl_gen_invalid_number) {
-        ORV_LOG_ERROR(logger_, error::invalidArgument, "Invalid real value passed: " << value);
-        return false;
-    }
-    return checkStatus(logger_, status);
+    return status == yajl_gen_status_ok || reportRealStatus(logger_, status, value);
 }
 
 bool JsonSerializer::string(const char* value, unsigned int size)
@@ -276,11 +309,7 @@ bool JsonSerializer::string(const char* value, unsigned int size)
     }
     const yajl_gen_status status
         = yajl_gen_string(generator, reinterpret_cast<const unsigned char*>(value), static_cast<std::size_t>(size));
-    if (status == yajl_gen_invalid_string) {
-        ORV_LOG_ERROR(logger_, error::invalidOperation, "Invalid string value passed: " << std::string(value, size));
-        return false;
-    }
-    return checkStatus(logger_, status);
+    return status == yajl_gen_status_ok || reportStringStatus(logger_, status, value, size);
 }
 
 bool JsonSerializer::beginObject()
@@ -302,16 +331,7 @@ bool JsonSerializer::objectChild(const char* key, unsigned int size)
     // The generator takes a text as a key by where it stands.
     const yajl_gen_status status
         = yajl_gen_string(generator, reinterpret_cast<const unsigned char*>(key), static_cast<std::size_t>(size));
-    if (status == yajl_gen_keys_must_be_strings) {
-        ORV_LOG_ERROR(
-            logger_, error::invalidOperation, "Unexpected YAJL returned status: yajl_gen_keys_must_be_strings");
-        return false;
-    }
-    if (status == yajl_gen_invalid_string) {
-        ORV_LOG_ERROR(logger_, error::invalidOperation, "Invalid object child key passed: " << std::string(key, size));
-        return false;
-    }
-    return checkStatus(logger_, status);
+    return status == yajl_gen_status_ok || reportKeyStatus(logger_, status, key, size);
 }
 
 bool JsonSerializer::endObject()
