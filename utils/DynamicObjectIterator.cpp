@@ -10,6 +10,16 @@
 namespace orv {
 namespace utils {
 
+namespace {
+
+/// The iterator's failed assertions, out of the way of `next`.
+__attribute__((noinline, cold)) void reportFailure(const char* text)
+{
+    ORV_FAIL(text);
+}
+
+} // namespace
+
 DynamicObjectIterator::DynamicObjectIterator(const DynamicObject& object)
     : DynamicObjectIterator(object, object.getRoot(), invalidIndex)
 {
@@ -162,8 +172,9 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             --currentDepth_;
             break;
         case arrayChildBegin: {
-            ORV_CHECK(DynamicObject::maximumArraySize > event.arrayChildIndex,
-                      "DynamicObject::maximumArraySize > event.arrayChildIndex");
+            if (event.arrayChildIndex >= DynamicObject::maximumArraySize) {
+                reportFailure("DynamicObject::maximumArraySize > event.arrayChildIndex");
+            }
             if (currentDepth_ < maximumDepth_) {
                 pushChildren(event.property);
             }
@@ -181,7 +192,7 @@ DynamicObjectIterator& DynamicObjectIterator::next()
             --currentDepth_;
             break;
         default:
-            ORV_FAIL("Unknown event in the stack");
+            reportFailure("Unknown event in the stack");
             cutPath('[');
             break;
         }
