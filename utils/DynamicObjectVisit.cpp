@@ -28,6 +28,46 @@ bool DynamicObject::visitTrie(unsigned int property, AbstractObjectBuilder& buil
     return builder.begin() && recursiveVisitTrie(property, builder) && builder.end();
 }
 
+namespace {
+
+__attribute__((noinline, cold)) void reportMissingString()
+{
+    ORV_FAIL("stringValue");
+}
+
+/// The type of a value node; a missing node counts as null.
+inline unsigned int typeOf(const DynamicObject::Node* value)
+{
+    return value != nullptr ? value->value.type : static_cast<unsigned int>(type::null);
+}
+
+/// Sends a value of a type up to boolean, none of which has children.
+inline bool sendScalar(unsigned int valueType, const DynamicObject::Node* value, const StringTable& strings,
+                       AbstractObjectBuilder& builder)
+{
+    switch (valueType) {
+    case type::integer:
+        return builder.integer(value->getInteger());
+    case type::real:
+        return builder.real(value->getReal());
+    case type::string: {
+        const char* text = strings.retrieve(value->getPayload(), "");
+        if (text == nullptr) {
+            reportMissingString();
+            // The hook returned: the value goes out as the empty text.
+            text = "";
+        }
+        return builder.string(text, static_cast<unsigned int>(std::strlen(text)));
+    }
+    case type::boolean:
+        return builder.boolean(value->getPayload() != 0);
+    default:
+        return builder.null();
+    }
+}
+
+} // namespace
+
 bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder& builder) const
 {
     // The walk keeps its own stack of open arrays and objects rather than recursing, and one
@@ -51,54 +91,37 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
     bool valueDue = true;
     for (;;) {
         if (valueDue) {
-            const unsigned int propertyType = value != nullptr ? value->value.type : static_cast<unsigned int>(type::null);
-            bool accepted = true;
+            const unsigned int propertyType = typeOf(value);
             switch (propertyType) {
             case type::null:
-                accepted = builder.null();
-                break;
             case type::integer:
-                accepted = builder.integer(value->getInteger());
-                break;
             case type::real:
-                accepted = builder.real(value->getReal());
-                break;
-            case type::string: {
-                const char* text = stringTable_->retrieve(value->getPayload(), "");
-                ORV_CHECK(text != nullptr, "stringValue");
-                // The hook returned: the value goes out as the empty text.
-                if (text == nullptr) {
-                    text = "";
-                }
-                accepted = builder.string(text, static_cast<unsigned int>(std::strlen(text)));
-                break;
-            }
+            case type::string:
             case type::boolean:
-                accepted = builder.boolean(value->getPayload() != 0);
+                if (!sendScalar(propertyType, value, *stringTable_, builder)) {
+                    return false;
+                }
                 break;
             case type::array:
-                accepted = builder.beginArray();
-                if (accepted) {
-                    levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false});
+                if (!builder.beginArray()) {
+                    return false;
                 }
+                levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false});
                 break;
             case type::object:
-                accepted = builder.beginObject();
-                if (accepted) {
-                    if (objectDepth == iterators.size()) {
-                        iterators.emplace_back(*this, current, 0);
-                    } else {
-                        iterators[objectDepth].restart(current);
-                    }
-                    levels.push_back(Level{current, objectDepth++, 0, true});
+                if (!builder.beginObject()) {
+                    return false;
                 }
+                if (objectDepth == iterators.size()) {
+                    iterators.emplace_back(*this, current, 0);
+                } else {
+                    iterators[objectDepth].restart(current);
+                }
+                levels.push_back(Level{current, objectDepth++, 0, true});
                 break;
             default:
                 ORV_LOG_ERROR(builder.getLogger(), error::invalidConfiguration,
                               "Error while visiting dynamic object, unexpected property type " << propertyType);
-                return false;
-            }
-            if (!accepted) {
                 return false;
             }
         }
@@ -107,16 +130,26 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
         }
         Level& level = levels.back();
         if (level.isObject) {
+            // The children that hold scalars go out here; an array or object goes round the outer loop.
             DynamicObjectIterator& children = iterators[level.index];
-            children.next();
-            if (!children.end()) {
+            valueDue = false;
+            for (children.next(); !children.end(); children.next()) {
                 if (!builder.objectChild(children.getKey(), children.getKeyLength())) {
                     return false;
                 }
                 current = children.getProperty();
                 const unsigned int valueIndex = children.getWalkValue();
                 value = valueIndex != 0 ? getNode(valueIndex) : nullptr;
-                valueDue = true;
+                const unsigned int childType = typeOf(value);
+                if (childType > type::boolean) {
+                    valueDue = true;
+                    break;
+                }
+                if (!sendScalar(childType, value, *stringTable_, builder)) {
+                    return false;
+                }
+            }
+            if (valueDue) {
                 continue;
             }
             if (!builder.endObject()) {
