@@ -110,7 +110,11 @@ struct Tree {
 
 void DynamicObjectPathLookup(benchmark::State& state)
 {
+    // What the object holds in the library's allocator: its nodes, and everything kept beside them.
+    const orv::allocator::Allocator& memory = orv::allocator::Allocator::instance();
+    const std::size_t bytesBefore = memory.getLiveByteCount();
     const Tree tree(static_cast<std::size_t>(state.range(0)));
+    const double objectBytes = static_cast<double>(memory.getLiveByteCount() - bytesBefore);
     const std::vector<Leaf>& leaves = tree.leaves;
     const DynamicObject& object = tree.object;
 
@@ -157,6 +161,7 @@ void DynamicObjectPathLookup(benchmark::State& state)
         return;
     }
     state.counters["properties"] = static_cast<double>(tree.properties);
+    state.counters["object_MB"] = objectBytes / 1e6;
     state.counters["lookups/s"] = static_cast<double>(iterations) / seconds;
     state.counters["x_unordered_map"] = flatSeconds / seconds;
     // Navigation from steps split in advance, and from the path text as we get it.

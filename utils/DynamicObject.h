@@ -317,10 +317,10 @@ private:
     /// Removes the children of an array or object value before a scalar is stored.
     void prepareScalarWrite(unsigned int property, Node*& value);
 
-    // The side index of the trie (never saved): shortcuts for the pieces of keys under containers
-    // with many children. Kept by every change of structure; lookups only read it.
+    // The side index of the trie (never saved): shortcuts for the pieces of keys on the levels
+    // where a walk is long. Kept by every change of structure; lookups only read it.
     /// Records that a walk from `stand` over `piece` goes on from `target`, the child just made
-    /// being one of `count` under that stand; the level is indexed once it has enough children.
+    /// being one of `count` under that stand; the level is indexed once it is worth it.
     void indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
                     unsigned long long count);
     /// Takes out the shortcut of a child about to be erased.

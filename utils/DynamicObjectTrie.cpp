@@ -465,7 +465,8 @@ void DynamicObject::indexChild(unsigned int stand, const char* piece, unsigned i
     }
     if (index_ != nullptr && index_->isIndexed(stand)) {
         index_->add(stand, piece, length, target);
-    } else if (count >= DynamicObjectIndex::indexedChildCount) {
+    } else if (stand == root_ || DynamicObjectIndex::isWorthIndexing(count, piece, length)) {
+        // The top level is met by every lookup by path.
         indexLevel(stand);
     }
 }
@@ -591,7 +592,12 @@ void DynamicObject::rebuildIndex()
         while (last < keys.size() && keys[last].stand == keys[first].stand) {
             ++last;
         }
-        if (last - first >= DynamicObjectIndex::indexedChildCount) {
+        bool worth = keys[first].stand == root_;
+        for (std::size_t key = first; key < last && !worth; ++key) {
+            char text[sizeof(keys[key].piece)];
+            worth = DynamicObjectIndex::isWorthIndexing(last - first, text, unpackPiece(keys[key].piece, text));
+        }
+        if (worth) {
             indexLevel(keys[first].stand);
         }
         first = last;

@@ -21,13 +21,24 @@ namespace impl {
 ///
 /// Names are kept in one hash table, at most eight bytes each. Array indices in their canonical
 /// decimal form are kept per array, as a list of targets by position, which an array growing at
-/// its end fills in order. Only the levels of containers with many children are worth it: a flag
-/// per stand says that the children under it have their shortcuts, so that a walk through a small
-/// container does not pay for a useless probe.
+/// its end fills in order. Only some levels are worth it: the top one, those of containers with
+/// many children, and those with long names. A flag per stand says that the children under it
+/// have their shortcuts, so that a walk through any other level does not pay for a useless probe.
 class DynamicObjectIndex {
 public:
     /// Children a container must reach before its level is indexed.
     static constexpr unsigned int indexedChildCount = 32;
+    /// A name this long costs a walk of as many nodes, in a level of any size: it makes its level
+    /// worth indexing too.
+    static constexpr unsigned int indexedNameLength = 4;
+
+    /// Whether a level is worth indexing, given one of its pieces and the children it now has.
+    static bool isWorthIndexing(unsigned long long childCount, const char* piece, unsigned int length)
+    {
+        unsigned int position;
+        return childCount >= indexedChildCount ||
+               (length >= indexedNameLength && !readPosition(piece, length, position));
+    }
 
     DynamicObjectIndex();
 
@@ -37,8 +48,10 @@ public:
         return word < marks_.size() && ((marks_[word] >> (stand % 64)) & 1) != 0;
     }
 
-    /// The node a walk from `stand` over `piece` goes on from, 0 if not recorded.
-    unsigned int find(unsigned int stand, const char* piece, unsigned int length) const
+    /// The node a walk from `stand` over `piece` goes on from, 0 if not recorded. Kept in every
+    /// walk, where a call would cost as much as the probe.
+    __attribute__((always_inline)) unsigned int find(unsigned int stand, const char* piece,
+                                                     unsigned int length) const
     {
         unsigned int position;
         if (readPosition(piece, length, position)) {
