@@ -7,6 +7,7 @@
 #include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/details/Logging.h>
+#include <orv/utils/impl/DynamicObjectPropertyChildrenIterator.h>
 
 #include <cstring>
 
@@ -72,7 +73,9 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
 {
     // The walk keeps its own stack of open arrays and objects rather than recursing, and one
     // children iterator per level of object nesting, restarted for every object met at that
-    // level: a document costs allocations per level, not per object.
+    // level: a document costs allocations per level of objects, not per object. The first 64
+    // levels of the stack live here, so that arrays of scalars allocate nothing, as when the
+    // walk recursed.
     struct Level {
         unsigned int property;
         // For an array, the next position and the size; for an object, its iterator's slot.
@@ -80,7 +83,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
         unsigned int count;
         bool isObject;
     };
-    Vector<Level> levels;
+    impl::InlineStack<Level, 64> levels;
     Vector<DynamicObjectIterator> iterators;
     unsigned int objectDepth = 0;
 

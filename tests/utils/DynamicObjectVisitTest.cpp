@@ -5,6 +5,7 @@
 #include "support/TestSupport.h"
 #include "utils/DynamicObjectTestSupport.h"
 
+#include <orv/allocator/Allocator.h>
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
@@ -192,4 +193,36 @@ TEST(DynamicObjectVisit, ObjectsMetAtTheSameDepthEachSendTheirOwnChildren)
                               "beginObject child(p) int(2) child(q) int(3) endObject endObject child beginObject "
                               "child(z) int(4) endObject child null endArray child(b) beginObject "
                               "child(c) beginObject child(d) int(6) endObject endObject child(e) int(7) endObject end");
+}
+
+TEST(DynamicObjectVisit, AllocatesPerLevelOfNestingNotPerObjectOrElement)
+{
+    // Guards the walk's reuse of its storage: objects met at one depth share one children
+    // iterator, arrays of scalars take nothing, and only nesting beyond the stack kept in the
+    // walk itself (here arrays 100 deep) costs a few more blocks.
+    DynamicObject object;
+    for (int i = 0; i < 300; ++i) {
+        const std::string element = "list[" + std::to_string(i) + "]";
+        object.setInt((element + ".x").c_str(), i);
+        object.setString((element + ".y").c_str(), "text");
+        object.setInt(("grid[" + std::to_string(i) + "][1]").c_str(), i);
+    }
+    std::string deep = "deep";
+    for (int level = 0; level < 100; ++level) {
+        deep += "[0]";
+    }
+    object.setBool(deep.c_str(), true);
+
+    RecordingBuilder builder;
+    orv::allocator::Allocator& allocator = orv::allocator::Allocator::instance();
+    const unsigned long long before = allocator.getNextSerial();
+    EXPECT_TRUE(object.visit(builder));
+    EXPECT_LE(allocator.getNextSerial() - before, 16u);
+    EXPECT_TRUE(builder.isComplete());
+    EXPECT_NE(builder.line().find("child(x) int(299) child(y) string(text) endObject endArray"), std::string::npos);
+    std::string nested = "child(deep)";
+    for (int level = 0; level < 100; ++level) {
+        nested += " beginArray child";
+    }
+    EXPECT_NE(builder.line().find(nested + " bool(true) endArray"), std::string::npos);
 }

@@ -35,6 +35,18 @@ public:
     unsigned int size() const { return size_; }
     void setSize(unsigned int size) { size_ = size; }
     unsigned int capacity() const { return capacity_; }
+
+    bool empty() const { return size_ == 0; }
+    T& back() { return data_[size_ - 1]; }
+    void push_back(const T& value)
+    {
+        if (size_ == capacity_) {
+            grow();
+        }
+        data_[size_++] = value;
+    }
+    void pop_back() { --size_; }
+
     void grow()
     {
         Vector<T> larger(static_cast<std::size_t>(capacity_) * 2);
