@@ -278,8 +278,25 @@ private:
     void deallocateNode(Node* node, unsigned int index);
     Node* findNode(unsigned int start, const char* key, unsigned int length, bool toProperty,
                    unsigned int& index) const;
-    Node* findValueNode(Node* node, unsigned int& valueIndex) const;
-    Node* findValueNode(unsigned int property) const;
+    // Every read and write by handle starts here: kept inline.
+    Node* findValueNode(Node* node, unsigned int& valueIndex) const
+    {
+        valueIndex = 0;
+        if (node == nullptr || !node->isEndOfKey()) {
+            return nullptr;
+        }
+        Node* value = getNode(node->trie.equal);
+        if (value == nullptr || !value->isValueNode()) {
+            return nullptr;
+        }
+        valueIndex = node->trie.equal;
+        return value;
+    }
+    Node* findValueNode(unsigned int property) const
+    {
+        unsigned int valueIndex;
+        return findValueNode(getNode(property), valueIndex);
+    }
     Node* findValueNode(unsigned int start, const char* key, unsigned int length, unsigned int& property,
                         unsigned int& valueIndex) const;
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,

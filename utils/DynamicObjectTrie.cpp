@@ -164,26 +164,6 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
     return getNode(index);
 }
 
-DynamicObject::Node* DynamicObject::findValueNode(Node* node, unsigned int& valueIndex) const
-{
-    valueIndex = 0;
-    if (node == nullptr || !node->isEndOfKey()) {
-        return nullptr;
-    }
-    Node* value = getNode(node->trie.equal);
-    if (value == nullptr || !value->isValueNode()) {
-        return nullptr;
-    }
-    valueIndex = node->trie.equal;
-    return value;
-}
-
-DynamicObject::Node* DynamicObject::findValueNode(unsigned int property) const
-{
-    unsigned int valueIndex;
-    return findValueNode(getNode(property), valueIndex);
-}
-
 DynamicObject::Node* DynamicObject::findValueNode(unsigned int start, const char* key, unsigned int length,
                                                   unsigned int& property, unsigned int& valueIndex) const
 {
@@ -207,8 +187,10 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
 {
     notify([](AbstractDynamicObjectListener& listener) { listener.beforeAddProperty(); });
     added = false;
-    property = 0;
     valueIndex = 0;
+    // The outputs are written once at the end: stores through them would make every step reload
+    // the key, which may lie anywhere. On a failure `property` holds the last link followed.
+    unsigned int last = 0;
 
     // Blocks never move, so a link may point into a node while other nodes are allocated; the links
     // after the first and the last character are read once the key is complete.
@@ -217,27 +199,28 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     unsigned int* firstLink = &startLink;
     unsigned int position = 0;
     while (position < length && *link != 0) {
-        property = *link;
-        Node* node = getNode(*link);
+        last = *link;
+        Node* node = getNode(last);
         if (node == nullptr || node->isValueNode()) {
+            property = last;
             return nullptr;
         }
+        // The three ways are picked without a branch: which one a key takes at a node is as good as
+        // random, and a mispredicted branch costs more than the step itself.
         const signed char c = static_cast<signed char>(key[position]);
         const signed char split = node->trie.splitChar;
-        if (c == split) {
-            link = &node->trie.equal;
-            if (position == 0) {
-                firstLink = link;
-            }
-            ++position;
-        } else {
-            link = c < split ? &node->trie.less : &node->trie.greater;
-        }
+        const bool equal = c == split;
+        unsigned int* next = c < split ? &node->trie.less : &node->trie.greater;
+        next = equal ? &node->trie.equal : next;
+        firstLink = equal && position == 0 ? next : firstLink;
+        link = next;
+        position += equal ? 1 : 0;
     }
     for (; position < length; ++position) {
         unsigned int index;
         Node* node = allocateNode(key[position], index);
         if (node == nullptr) {
+            property = last;
             return nullptr;
         }
         *link = index;
@@ -252,6 +235,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     while (*link != 0) {
         Node* node = getNode(*link);
         if (node == nullptr || node->isValueNode()) {
+            property = last;
             return nullptr;
         }
         if (node->trie.splitChar == 0) {
@@ -262,19 +246,23 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     if (*link == 0) {
         unsigned int index;
         if (allocateNode(0, index) == nullptr) {
+            property = last;
             return nullptr;
         }
         *link = index;
     }
-    property = *link;
-    Node* endOfKey = getNode(property);
+    const unsigned int endOfKeyIndex = *link;
+    property = endOfKeyIndex;
+    Node* endOfKey = getNode(endOfKeyIndex);
     Node* value = nullptr;
     if (endOfKey->trie.equal == 0) {
-        value = allocateValueNode(valueIndex);
+        unsigned int index;
+        value = allocateValueNode(index);
         if (value == nullptr) {
             return nullptr;
         }
-        endOfKey->trie.equal = valueIndex;
+        endOfKey->trie.equal = index;
+        valueIndex = index;
         added = true;
     } else {
         valueIndex = endOfKey->trie.equal;
@@ -289,8 +277,8 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         place->firstLevel = *firstLink;
         place->level = *levelLink;
     }
-    notify([key, length, property](AbstractDynamicObjectListener& listener) {
-        listener.afterAddProperty(key, length, property);
+    notify([key, length, endOfKeyIndex](AbstractDynamicObjectListener& listener) {
+        listener.afterAddProperty(key, length, endOfKeyIndex);
     });
     return value;
 }

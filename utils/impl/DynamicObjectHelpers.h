@@ -36,10 +36,19 @@ namespace impl {
 
 /// False, after the failed assertion, for a null key: a missing key names nothing, so the caller
 /// returns its default or does nothing when the hook returns.
+[[gnu::noinline, gnu::cold]] inline void reportNullKey()
+{
+    ORV_FAIL("Null string given as a key");
+}
+
 inline bool checkKey(const char* key)
 {
-    ORV_CHECK(key != nullptr, "Null string given as a key");
-    return key != nullptr;
+    // The report is out of line, so that the test stays small in every operation that takes a key.
+    if (__builtin_expect(key == nullptr, 0)) {
+        reportNullKey();
+        return false;
+    }
+    return true;
 }
 
 inline unsigned int measure(const char* text)
