@@ -38,6 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ORV_FUZZ_REQUIRE(!orv::utils::serializeDynamicObjectToJson(object, output, &logger));
         return 0;
     }
+    if (!orv::fuzz::isWalkSound(object)) {
+        return 0;
+    }
     const std::string text = writeJson(object, logger);
     orv::utils::DynamicObject again;
     orv::utils::BufferInput reread(text.data(), static_cast<unsigned int>(text.size()));

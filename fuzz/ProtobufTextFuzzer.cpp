@@ -31,6 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                               object, &logger)) {
         return 0;
     }
+    if (!orv::fuzz::isWalkSound(object)) {
+        return 0;
+    }
     const std::string text = writeText(object, logger);
     orv::utils::DynamicObject again;
     ORV_FUZZ_REQUIRE(orv::utils::deserializeDynamicObject(text.data(), static_cast<unsigned int>(text.size()), again,
