@@ -238,7 +238,11 @@ public:
     bool recursiveVisitTrie(unsigned int index, AbstractObjectBuilder& builder) const;
 
 private:
+    /// Whether a walk may open one more level at `depth`, holding `elementCount` elements; a
+    /// failed assertion otherwise.
+    bool checkNesting(std::size_t depth, unsigned long long elementCount) const;
     friend class impl::DynamicObjectPropertyChildrenIterator;
+    friend class DynamicObjectIterator;
     friend class impl::DynamicObjectPathCreator;
     friend class DynamicObjectBuilder;
 

@@ -84,8 +84,12 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
 {
     switch (object_.getType(property)) {
     case type::array: {
+        const unsigned int count = object_.countChildren(property);
+        if (!object_.checkNesting(currentDepth_, count)) {
+            break;
+        }
         // Position 0's begin event ends on top.
-        for (unsigned int index = object_.countChildren(property); index > 0; --index) {
+        for (unsigned int index = count; index > 0; --index) {
             const unsigned int child = object_.getChild(property, index - 1);
             stack_.push_back(Event{arrayChildEnd, child, 0, 0, index - 1});
             stack_.push_back(Event{arrayChildBegin, child, 0, 0, index - 1});
@@ -93,6 +97,9 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
         break;
     }
     case type::object: {
+        if (!object_.checkNesting(currentDepth_, 0)) {
+            break;
+        }
         const std::size_t first = stack_.size();
         impl::DynamicObjectPropertyChildrenIterator children(object_, property);
         for (children.next(); !children.end(); children.next()) {

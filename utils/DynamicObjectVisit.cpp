@@ -69,6 +69,16 @@ inline bool sendScalar(unsigned int valueType, const DynamicObject::Node* value,
 
 } // namespace
 
+bool DynamicObject::checkNesting(std::size_t depth, unsigned long long elementCount) const
+{
+    // Every level of a sound tree holds nodes of its own, and no array grows past the largest
+    // size: deeper levels or longer arrays come from node links that loop or counts that lie,
+    // which only a blob from outside can hold. Walks stop there rather than run on.
+    const bool sound = depth < blocks_.size() * nodeAllocator_->getBlockSize() && elementCount <= maximumArraySize;
+    ORV_CHECK(sound, "Unable to walk the dynamic object, its nodes are broken");
+    return sound;
+}
+
 bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder& builder) const
 {
     // The walk keeps its own stack of open arrays and objects rather than recursing, and one
@@ -109,10 +119,16 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 if (!builder.beginArray()) {
                     return false;
                 }
+                if (!checkNesting(levels.size(), static_cast<unsigned long long>(value->getPayload()))) {
+                    return false;
+                }
                 levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false});
                 break;
             case type::object:
                 if (!builder.beginObject()) {
+                    return false;
+                }
+                if (!checkNesting(levels.size(), 0)) {
                     return false;
                 }
                 if (objectDepth == iterators.size()) {

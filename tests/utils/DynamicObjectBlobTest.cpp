@@ -5,6 +5,8 @@
 
 #include <orv/utils/BufferInput.h>
 #include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/DynamicObjectIterator.h>
+#include <orv/utils/JsonSerializer.h>
 #include <orv/utils/StringTable.h>
 
 #include <gtest/gtest.h>
@@ -201,6 +203,54 @@ TEST(DynamicObjectBlob, ReportsTheStepThatCouldNotBeWritten)
         (Texts { prefix + "the given input is not writable.",
             "error|invalid argument|Unable to load dynamic object blob, the given input is not "
             "readable." }));
+}
+
+TEST(DynamicObjectBlob, WalksOfABlobWhoseLinksLoopStopWithAFailedAssertion)
+{
+    // Node contents are not checked on load, so a blob may link a child back to its parent's value
+    // or a key character to itself. The walks must stop, not run on or grow without end.
+    DynamicObject source;
+    source.setInt("a.x.k", 1);
+    source.setInt("a.y.k", 1);
+    const std::string blob = save(source);
+    const auto nodeOffset = [](unsigned int handle) { return 24 + (handle - 1) * std::size_t(16); };
+    const unsigned int parentSeparator = wordAt(blob, nodeOffset(source.getProperty("a")));
+    const unsigned int child = source.getProperty("a.x");
+
+    // The children of `x` and `y` made those of `a`: `y` within `x` within `y`, without end.
+    std::string deeper = blob;
+    for (const char* key : { "a.x", "a.y" }) {
+        std::memcpy(&deeper[nodeOffset(source.getProperty(key))], &parentSeparator, sizeof(parentSeparator));
+    }
+    // The character `x` followed by itself on its greater side, without end.
+    std::string wider = blob;
+    // The character node of `x` is the one whose equal link is the end of `a.x`.
+    for (unsigned int handle = 1; nodeOffset(handle) + 16 <= blob.size(); ++handle) {
+        if (wordAt(blob, nodeOffset(handle) + 4) == child && blob[nodeOffset(handle) + 13] == 'x') {
+            std::memcpy(&wider[nodeOffset(handle)], &handle, sizeof(handle));
+        }
+    }
+    ASSERT_NE(wider, blob);
+
+    for (const std::string* broken : { &deeper, &wider }) {
+        DynamicObject object;
+        ASSERT_TRUE(load(object, *broken, nullptr));
+        AssertionCapture capture;
+        utils::DynamicBufferInputOutput json("json");
+        // A loop inside one level ends that level's walk; a loop across levels fails the visit.
+        EXPECT_EQ(utils::serializeDynamicObjectToJson(object, json, nullptr), broken == &wider);
+        unsigned int steps = 0;
+        for (utils::DynamicObjectIterator walk(object); !walk.end() && steps < 100000; walk.next()) {
+            ++steps;
+        }
+        EXPECT_LT(steps, 100000u);
+        ASSERT_FALSE(capture.texts().empty());
+        for (const std::string& text : capture.texts()) {
+            EXPECT_TRUE(text == "Unable to walk the dynamic object, its nodes are broken"
+                || text == "unable to walk the children, the node links loop")
+                << text;
+        }
+    }
 }
 
 } // namespace

@@ -55,6 +55,7 @@ struct DynamicObjectPropertyChildrenIterator::Nodes {
         , count(object.blockShift_ != DynamicObject::noBlockShift ? object.blocks_.size() : 0)
         , shift(object.blockShift_ != DynamicObject::noBlockShift ? object.blockShift_ : 0)
         , mask((1u << shift) - 1)
+        , nodeCount(object.blocks_.size() * object.getNodeAllocator().getBlockSize())
     {
     }
 
@@ -75,6 +76,9 @@ struct DynamicObjectPropertyChildrenIterator::Nodes {
     std::size_t count;
     unsigned int shift;
     unsigned int mask;
+    // No sound walk holds more nodes on its stack than the object has: links that loop (only a
+    // blob from outside can hold them) are caught by this bound instead of running on.
+    std::size_t nodeCount;
 };
 
 namespace {
@@ -186,6 +190,10 @@ void DynamicObjectPropertyChildrenIterator::advance(const DynamicObject& object,
             }
         }
         // Go down from `index`.
+        if (stack.size >= nodes.nodeCount) {
+            reportWalkFailure("unable to walk the children, the node links loop");
+            break;
+        }
         stack.push(index);
         const DynamicObject::Node* node = nodes.get(index);
         if (node == nullptr) {
