@@ -39,12 +39,19 @@ public:
     /// The current property; the start before the first `next`.
     unsigned int getProperty() const { return currentProperty_; }
     /// The path of the current property from the start, terminated; empty at the start.
-    const char* getKey() const { return isWalkingChildren() ? keys_.data() + skippedSeparator() : path_.data(); }
+    const char* getKey() const
+    {
+        return !isWalkingChildren() ? path_.data() : walkKeyLength_ != 0 ? keys_.data() + skippedSeparator() : "";
+    }
     unsigned int getKeyLength() const
     {
-        // The key of a children walk ends with the end-of-key character, a terminator.
-        return isWalkingChildren() ? walkKeyLength_ - 1 - skippedSeparator()
-                                   : static_cast<unsigned int>(path_.size()) - 1;
+        // The key of a children walk ends with the end-of-key character, a terminator. Only
+        // broken nodes give a child with no key character at all.
+        if (!isWalkingChildren()) {
+            return static_cast<unsigned int>(path_.size()) - 1;
+        }
+        const unsigned int overhead = 1 + static_cast<unsigned int>(skippedSeparator());
+        return walkKeyLength_ > overhead ? walkKeyLength_ - overhead : 0;
     }
     const DynamicObject& getDynamicObject() const { return object_; }
 
@@ -68,9 +75,12 @@ private:
     /// While a children walk is at a child: the index of the child's value node, which the walk
     /// has just reached, when the child is an end-of-key node (its key character is the
     /// terminator); 0 otherwise, as a look-up of the value would find none.
-    unsigned int getWalkValue() const { return keys_[walkKeyLength_ - 1] == '\0' ? walk_[walkDepth_ - 1] : 0; }
+    unsigned int getWalkValue() const
+    {
+        return walkKeyLength_ != 0 && keys_[walkKeyLength_ - 1] == '\0' ? walk_[walkDepth_ - 1] : 0;
+    }
     /// 1 when the walk's key starts with the `.` that leads from a property to its children.
-    std::size_t skippedSeparator() const { return keys_[0] == '.' ? 1 : 0; }
+    std::size_t skippedSeparator() const { return walkKeyLength_ != 0 && keys_[0] == '.' ? 1 : 0; }
 
     const DynamicObject& object_;
     unsigned int maximumDepth_;
