@@ -23,7 +23,7 @@ std::string saveBlob(const orv::utils::DynamicObject& object, orv::fuzz::QuietLo
 {
     orv::utils::DynamicBufferInputOutput output("blob");
     ORV_FUZZ_REQUIRE(object.saveBlob(output, &logger));
-    return std::string(output.data(), output.size());
+    return orv::fuzz::contents(output);
 }
 
 } // namespace

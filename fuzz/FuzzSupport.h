@@ -6,15 +6,27 @@
 
 #include <orv/allocator/Allocator.h>
 #include <orv/utils/AbstractLogger.h>
+#include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/DynamicValue.h>
+#include <orv/utils/SerializedBuffer.h>
 #include <orv/utils/System.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+
+/// A property of the library that must hold for every input.
+#define ORV_FUZZ_REQUIRE(condition)                                                                                 \
+    do {                                                                                                           \
+        if (!(condition)) {                                                                                        \
+            std::fprintf(stderr, "%s:%d: %s does not hold\n", __FILE__, __LINE__, #condition);                       \
+            std::abort();                                                                                          \
+        }                                                                                                          \
+    } while (false)
 
 namespace orv {
 namespace fuzz {
@@ -57,6 +69,21 @@ private:
 /// Whether two objects hold the same properties under the same paths with the same values. The
 /// order of children is left out: keys with bytes above 0x7F that extend another key come out in
 /// an order that depends on the order in which they went in.
+/// The bytes written to a growing buffer.
+inline std::string contents(const utils::DynamicBufferInputOutput& buffer)
+{
+    return std::string(buffer.data(), buffer.size());
+}
+
+/// The text of a serialized buffer, which is released; a buffer must have been made.
+inline std::string takeSerializedText(char* text, unsigned int size)
+{
+    ORV_FUZZ_REQUIRE(text != nullptr);
+    std::string result(text, size);
+    utils::freeSerializedBuffer(text);
+    return result;
+}
+
 /// Whether every path that the walk of `object` reports leads back to the property the walk
 /// reported. It does not when a key extends a sibling's text by a byte below '.', beside that
 /// sibling's children (`a-x` beside `a.c`): the children walk of `a` then enters `-x` and stops
@@ -114,15 +141,6 @@ inline bool haveSameContents(const utils::DynamicObject& first, const utils::Dyn
 
 } // namespace fuzz
 } // namespace orv
-
-/// A property of the library that must hold for every input.
-#define ORV_FUZZ_REQUIRE(condition)                                                                                 \
-    do {                                                                                                           \
-        if (!(condition)) {                                                                                        \
-            std::fprintf(stderr, "%s:%d: %s does not hold\n", __FILE__, __LINE__, #condition);                       \
-            std::abort();                                                                                          \
-        }                                                                                                          \
-    } while (false)
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {

@@ -18,7 +18,7 @@ std::string writeJson(const orv::utils::DynamicObject& object, orv::fuzz::QuietL
 {
     orv::utils::DynamicBufferInputOutput output("json text");
     ORV_FUZZ_REQUIRE(orv::utils::serializeDynamicObjectToJson(object, output, &logger));
-    return std::string(output.data(), output.size());
+    return orv::fuzz::contents(output);
 }
 
 } // namespace

@@ -14,10 +14,7 @@ std::string writeText(const orv::utils::DynamicObject& object, orv::fuzz::QuietL
 {
     unsigned int size = 0;
     char* text = orv::utils::serializeDynamicObject(size, object, &logger);
-    ORV_FUZZ_REQUIRE(text != nullptr);
-    std::string result(text, size);
-    orv::utils::freeSerializedBuffer(text);
-    return result;
+    return orv::fuzz::takeSerializedText(text, size);
 }
 
 } // namespace

@@ -13,10 +13,7 @@ std::string writeText(const orv::utils::Random& random, orv::fuzz::QuietLogger& 
 {
     unsigned int size = 0;
     char* text = orv::utils::serializeRandom(size, random, &logger);
-    ORV_FUZZ_REQUIRE(text != nullptr);
-    std::string result(text, size);
-    orv::utils::freeSerializedBuffer(text);
-    return result;
+    return orv::fuzz::takeSerializedText(text, size);
 }
 
 } // namespace

@@ -238,9 +238,9 @@ public:
     bool recursiveVisitTrie(unsigned int index, AbstractObjectBuilder& builder) const;
 
 private:
-    /// Whether a walk may open one more level at `depth`, holding `elementCount` elements; a
-    /// failed assertion otherwise.
-    bool checkNesting(std::size_t depth, unsigned long long elementCount) const;
+    /// Whether a walk may take one more level or child after `steps` of them, meeting an array of
+    /// `elementCount` elements; a failed assertion otherwise.
+    bool checkNesting(std::size_t steps, unsigned long long elementCount) const;
     friend class impl::DynamicObjectPropertyChildrenIterator;
     friend class DynamicObjectIterator;
     friend class impl::DynamicObjectPathCreator;

@@ -102,7 +102,8 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
         }
         const std::size_t first = stack_.size();
         impl::DynamicObjectPropertyChildrenIterator children(object_, property);
-        for (children.next(); !children.end(); children.next()) {
+        std::size_t count = 0;
+        for (children.next(); !children.end() && object_.checkNesting(count++, 0); children.next()) {
             const unsigned int offset = static_cast<unsigned int>(keys_.size());
             const unsigned int length = children.getKeyLength();
             // With the terminator that follows the key in the walk: the store then holds each
@@ -146,8 +147,9 @@ DynamicObjectIterator& DynamicObjectIterator::next()
                 return *this;
             }
         }
-        // The child is the end-of-key node just below its value node.
-        currentProperty_ = walk_[walkDepth_ - 2];
+        // The child is the end-of-key node just below its value node; only broken nodes give a
+        // value node with none below it, and then no child (the next step ends the walk).
+        currentProperty_ = walkDepth_ >= 2 ? walk_[walkDepth_ - 2] : 0;
         return *this;
     }
     // End events only tidy up: the loop goes on to the next begin event.

@@ -69,12 +69,13 @@ inline bool sendScalar(unsigned int valueType, const DynamicObject::Node* value,
 
 } // namespace
 
-bool DynamicObject::checkNesting(std::size_t depth, unsigned long long elementCount) const
+bool DynamicObject::checkNesting(std::size_t steps, unsigned long long elementCount) const
 {
-    // Every level of a sound tree holds nodes of its own, and no array grows past the largest
-    // size: deeper levels or longer arrays come from node links that loop or counts that lie,
-    // which only a blob from outside can hold. Walks stop there rather than run on.
-    const bool sound = depth < blocks_.size() * nodeAllocator_->getBlockSize() && elementCount <= maximumArraySize;
+    // Every level of a sound tree, and every child of an object, holds nodes of its own, and no
+    // array grows past the largest size: deeper levels, more children or longer arrays come from
+    // node links that loop or counts that lie, which only a blob from outside can hold. Walks
+    // stop there rather than run on.
+    const bool sound = steps < blocks_.size() * nodeAllocator_->getBlockSize() && elementCount <= maximumArraySize;
     ORV_CHECK(sound, "Unable to walk the dynamic object, its nodes are broken");
     return sound;
 }
@@ -88,7 +89,8 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
     // walk recursed.
     struct Level {
         unsigned int property;
-        // For an array, the next position and the size; for an object, its iterator's slot.
+        // For an array, the next position and the size; for an object, its iterator's slot and
+        // the children sent so far.
         unsigned int index;
         unsigned int count;
         bool isObject;
@@ -153,6 +155,9 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
             DynamicObjectIterator& children = iterators[level.index];
             valueDue = false;
             for (children.next(); !children.end(); children.next()) {
+                if (!checkNesting(++level.count, 0)) {
+                    return false;
+                }
                 if (!builder.objectChild(children.getKey(), children.getKeyLength())) {
                     return false;
                 }

@@ -21,13 +21,6 @@ namespace {
 
 using utils::DynamicObject;
 
-std::string save(const DynamicObject& object)
-{
-    utils::DynamicBufferInputOutput buffer("blob");
-    EXPECT_TRUE(object.saveBlob(buffer, nullptr));
-    return std::string(buffer.data(), buffer.size());
-}
-
 /// Loads exactly the bytes given, from a heap copy of their size, so a read past them is caught.
 bool load(DynamicObject& object, const std::string& bytes, utils::AbstractLogger* logger)
 {
@@ -60,7 +53,7 @@ void fill(DynamicObject& object)
 
 TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
 {
-    const std::string fresh = save(DynamicObject());
+    const std::string fresh = saveBlob(DynamicObject());
     ASSERT_EQ(fresh.size(), 2072u);
     EXPECT_EQ(fresh.substr(0, 4), std::string("\x81\0\4\0", 4));
     EXPECT_EQ(wordAt(fresh, 4), 128u);
@@ -71,7 +64,7 @@ TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
     DynamicObject::NodeAllocator allocator(DynamicObject::defaultBlockSize);
     DynamicObject source(allocator, table);
     fill(source);
-    const std::string blob = save(source);
+    const std::string blob = saveBlob(source);
     ASSERT_GT(wordAt(blob, 8), 2u);
     ASSERT_NE(wordAt(blob, 20), 0u);
     EXPECT_EQ(blob.size(), 24 + wordAt(blob, 8) * 128 * 16);
@@ -94,7 +87,7 @@ TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
     // A load over a larger object gives its surplus blocks back.
     ASSERT_TRUE(load(loaded, fresh, nullptr));
     EXPECT_TRUE(loaded.empty());
-    EXPECT_EQ(save(loaded), fresh);
+    EXPECT_EQ(saveBlob(loaded), fresh);
 
     // Without the table that knows the hash, the text is lost.
     DynamicObject stranger;
@@ -105,7 +98,7 @@ TEST(DynamicObjectBlob, LoadsEveryHandleAndTheFreeListBack)
 
 TEST(DynamicObjectBlob, ABadHeaderLeavesTheObjectAsItWas)
 {
-    const std::string blob = save(DynamicObject());
+    const std::string blob = saveBlob(DynamicObject());
     std::string zeroBlocks = blob;
     std::memset(&zeroBlocks[8], 0, 4);
     const std::string prefix = "error|invalid argument|Unable to load dynamic object blob, ";
@@ -139,7 +132,7 @@ TEST(DynamicObjectBlob, ACutBlobFailsAtItsCutAndLeavesNoNodes)
 {
     DynamicObject source;
     fill(source);
-    const std::string blob = save(source);
+    const std::string blob = saveBlob(source);
     const std::size_t blockBytes = 128 * 16;
     const std::string prefix = "error|invalid argument|Unable to load dynamic object blob, can't read the expected ";
     for (std::size_t cut = 0; cut < blob.size(); ++cut) {
@@ -170,7 +163,7 @@ TEST(DynamicObjectBlob, ACutBlobFailsAtItsCutAndLeavesNoNodes)
             continue;
         }
         // No blocks are left: the object saves as a header alone.
-        const std::string emptied = save(object);
+        const std::string emptied = saveBlob(object);
         ASSERT_EQ(emptied.size(), 24u) << cut;
         ASSERT_EQ(wordAt(emptied, 8), 0u) << cut;
         object.clear();
@@ -212,7 +205,7 @@ TEST(DynamicObjectBlob, WalksOfABlobWhoseLinksLoopStopWithAFailedAssertion)
     DynamicObject source;
     source.setInt("a.x.k", 1);
     source.setInt("a.y.k", 1);
-    const std::string blob = save(source);
+    const std::string blob = saveBlob(source);
     const auto nodeOffset = [](unsigned int handle) { return 24 + (handle - 1) * std::size_t(16); };
     const unsigned int parentSeparator = wordAt(blob, nodeOffset(source.getProperty("a")));
     const unsigned int child = source.getProperty("a.x");

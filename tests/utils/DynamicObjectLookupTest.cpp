@@ -23,18 +23,11 @@ namespace {
 
 using utils::DynamicObject;
 
-std::string save(const DynamicObject& object)
-{
-    utils::DynamicBufferInputOutput buffer("blob");
-    EXPECT_TRUE(object.saveBlob(buffer, nullptr));
-    return std::string(buffer.data(), buffer.size());
-}
-
 /// The saved nodes, walked by text as a lookup by path is defined: signed bytes against the split
 /// characters, the end of the path as 0, then down the smaller links to the end-of-key node.
 class SavedTrie {
 public:
-    explicit SavedTrie(const DynamicObject& object) : bytes_(save(object))
+    explicit SavedTrie(const DynamicObject& object) : bytes_(saveBlob(object))
     {
         blockSize_ = word(4);
         root_ = word(12);
@@ -232,7 +225,7 @@ TEST(DynamicObjectLookup, AgreesWithAWalkOfTheSavedNodesThroughEveryChangeOfShap
     expectLookupsAgree(object, paths, "source of the assignment");
 
     DynamicObject loaded;
-    const std::string blob = save(object);
+    const std::string blob = saveBlob(object);
     utils::BufferInput input(blob.data(), static_cast<unsigned int>(blob.size()));
     ASSERT_TRUE(loaded.loadBlob(input, nullptr));
     expectLookupsAgree(loaded, paths, "loaded");

@@ -8,6 +8,8 @@
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicObjectIterator.h>
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <sstream>
 #include <string>
@@ -15,6 +17,14 @@
 
 namespace orv {
 namespace test {
+
+/// The blob of `object`, as saved.
+inline std::string saveBlob(const utils::DynamicObject& object)
+{
+    utils::DynamicBufferInputOutput buffer("blob");
+    EXPECT_TRUE(object.saveBlob(buffer, nullptr));
+    return std::string(buffer.data(), buffer.size());
+}
 
 /// A compact text of a property and everything below it, through the public walk only:
 /// {"a":[1,2.5,"x",true,null]}. Object keys come in the iterator's order.

@@ -124,7 +124,10 @@ void DynamicObjectPropertyChildrenIterator::advance(const DynamicObject& object,
     unsigned int index = stack.size == 0 ? start : stack.data[stack.size - 1];
     if (current == 0 || index == 0) {
         reportWalkFailure("unable to increment from invalid current node");
+        // The walk is over: an empty stack is what tells its owner so.
         current = 0;
+        nodeStack.setSize(0);
+        keyBuffer.setSize(0);
         return;
     }
     Cursor<char, KeyBuffer> key(keyBuffer);
