@@ -96,7 +96,14 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
     const impl::DynamicObjectIndex* const sideIndex = toProperty ? index_ : nullptr;
     bool atPiece = true;
     bool pastLastPiece = false;
+    // A sound search meets no node twice; more steps than nodes come from links that loop.
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->getBlockSize();
+    std::size_t steps = 0;
     while (current != 0 && position < length) {
+        if (++steps > nodeCount && !checkNesting(steps, 0)) {
+            current = 0;
+            break;
+        }
         if (sideIndex != nullptr && atPiece && sideIndex->isIndexed(current)) {
             unsigned int end = position;
             while (end < length && key[end] != '.' && key[end] != '[') {
@@ -150,7 +157,7 @@ DynamicObject::Node* DynamicObject::findNode(unsigned int start, const char* key
                 index = node->trie.equal;
             }
             while (index != 0) {
-                node = getNode(index);
+                node = ++steps <= nodeCount || checkNesting(steps, 0) ? getNode(index) : nullptr;
                 if (node == nullptr) {
                     index = 0;
                 } else if (node->trie.splitChar == 0) {
