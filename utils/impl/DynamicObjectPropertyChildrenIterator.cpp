@@ -134,7 +134,13 @@ void DynamicObjectPropertyChildrenIterator::advance(const DynamicObject& object,
     const Nodes nodes(object);
     // From the start the walk goes down at once; from a child it first climbs back up.
     bool climb = index != start;
+    // One step meets each node at most once on the way down and once on the way up.
+    std::size_t moves = 0;
     for (;;) {
+        if (++moves > 2 * nodes.nodeCount + 2) {
+            reportWalkFailure("unable to walk the children, the node links loop");
+            break;
+        }
         if (climb) {
             climb = false;
             index = 0;
@@ -193,7 +199,9 @@ void DynamicObjectPropertyChildrenIterator::advance(const DynamicObject& object,
             }
         }
         // Go down from `index`.
-        if (stack.size >= nodes.nodeCount) {
+        // Each step down pushes a node, and each step back up that turns into an equal link
+        // pushes a key character: neither can outnumber the object's nodes in a sound walk.
+        if (stack.size >= nodes.nodeCount || key.size >= nodes.nodeCount) {
             reportWalkFailure("unable to walk the children, the node links loop");
             break;
         }
