@@ -1,7 +1,7 @@
 // Blob bytes from anywhere. A blob that loads must save to bytes that load again to the same
-// bytes. Node contents are not checked on load, so a walk of a loaded tree may meet broken links:
-// it reports them through the assertion hook, which here returns, and must neither stray outside
-// the nodes nor run forever.
+// bytes. Node contents are not checked on load, so a walk or a look-up in a loaded tree may meet
+// broken links: it reports them through the assertion hook, which here returns, and must neither
+// stray outside the nodes nor run forever.
 
 #include "FuzzSupport.h"
 
@@ -42,6 +42,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     orv_setAssertionFailedFunction(&ignoreAssertion);
     orv::utils::DynamicBufferInputOutput json("json text");
     orv::utils::serializeDynamicObjectToJson(object, json, &logger);
+    for (const char* path : { "a", "a.x", "a.b[1].c", "list[3]", "kept" }) {
+        object.getInt(path, 0);
+    }
     orv_setAssertionFailedFunction(previous);
 
     const std::string saved = saveBlob(object, logger);

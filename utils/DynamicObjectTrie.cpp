@@ -205,9 +205,12 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     unsigned int* link = &startLink;
     unsigned int* firstLink = &startLink;
     unsigned int position = 0;
+    // As in a search, more steps than nodes come only from links that loop.
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->getBlockSize();
+    std::size_t steps = 0;
     while (position < length && *link != 0) {
         last = *link;
-        Node* node = getNode(last);
+        Node* node = ++steps <= nodeCount || checkNesting(steps, 0) ? getNode(last) : nullptr;
         if (node == nullptr || node->isValueNode()) {
             property = last;
             return nullptr;
@@ -240,7 +243,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     // The end-of-key node sits at the bottom of the chain of smaller characters of its level,
     // whatever that chain holds: nothing is ever rebalanced.
     while (*link != 0) {
-        Node* node = getNode(*link);
+        Node* node = ++steps <= nodeCount || checkNesting(steps, 0) ? getNode(*link) : nullptr;
         if (node == nullptr || node->isValueNode()) {
             property = last;
             return nullptr;
