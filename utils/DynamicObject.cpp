@@ -736,19 +736,13 @@ unsigned int DynamicObject::appendElement(unsigned int array)
         return 0;
     }
     const unsigned int count = value->value.type == type::array ? static_cast<unsigned int>(value->getPayload()) : 0;
-    char key[16];
-    const unsigned int length = formatArrayKey(count, key);
-    bool added;
-    unsigned int element;
-    unsigned int valueIndex;
-    KeyPlace place{0, 0};
-    if (addProperty(array, key, length, added, element, valueIndex, &place) == nullptr) {
+    const unsigned int element = addElement(array, count);
+    if (element == 0) {
         return 0;
     }
     // Blocks never move, so the value node is still where it was before the key's nodes came.
     value->setPayload(count + 1);
     value->value.type = type::array;
-    indexChild(place.firstLevel, key + 1, length - 1, place.level, count + 1);
     return element;
 }
 

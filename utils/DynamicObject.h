@@ -335,6 +335,9 @@ private:
     /// handle, 0 when no node is left. Unlike resize this reaches the last of maximumArraySize
     /// elements, which a builder fills from a document.
     unsigned int appendElement(unsigned int array);
+    /// Adds the nodes of the element at `index` of `array`, with its shortcut, and returns its
+    /// handle; 0 when no node is left. The array's count is the caller's to set.
+    unsigned int addElement(unsigned int array, unsigned int index);
     /// Removes the children of an array or object value before a scalar is stored.
     void prepareScalarWrite(unsigned int property, Node*& value);
 

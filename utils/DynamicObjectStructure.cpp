@@ -230,6 +230,22 @@ bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, c
 
 // Children by position.
 
+unsigned int DynamicObject::addElement(unsigned int array, unsigned int index)
+{
+    char key[arrayKeyCapacity];
+    const unsigned int length = formatArrayKey(index, key);
+    bool added;
+    unsigned int element;
+    unsigned int valueIndex;
+    KeyPlace place{0, 0};
+    if (addProperty(array, key, length, added, element, valueIndex, &place) == nullptr) {
+        return 0;
+    }
+    // An element's piece is its index and closing bracket, from behind the `[`.
+    indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
+    return element;
+}
+
 unsigned int DynamicObject::getChild(unsigned int parent, unsigned int index) const
 {
     switch (getType(parent)) {
@@ -353,19 +369,12 @@ bool DynamicObject::resize(unsigned int property, unsigned int newSize)
     }
     value->setPayload(newSize);
     value->value.type = newSize == 0 ? type::null : type::array;
-    char key[arrayKeyCapacity];
     for (unsigned int index = count; index < newSize; ++index) {
-        const unsigned int length = formatArrayKey(index, key);
-        bool added;
-        unsigned int element;
-        unsigned int valueIndex;
-        KeyPlace place{0, 0};
-        if (addProperty(property, key, length, added, element, valueIndex, &place) == nullptr) {
+        if (addElement(property, index) == 0) {
             return false;
         }
-        // An element's piece is its index and closing bracket, from behind the `[`.
-        indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
     }
+    char key[arrayKeyCapacity];
     unsigned int elements = 0;
     if (count > newSize) {
         findNode(property, "[", 1, false, elements);
