@@ -2,6 +2,7 @@
 // trees of about 1e3, 1e5 and 1e6 properties. Times are processor time of this thread; the
 // x_memcpy counters are memcpy's time over ours, so 0.5 means half memcpy's speed.
 
+#include "ThreadClock.h"
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/DynamicObject.h>
 
@@ -15,15 +16,10 @@
 
 namespace {
 
+using orv::bench::threadSeconds;
+
 using orv::utils::DynamicBufferInputOutput;
 using orv::utils::DynamicObject;
-
-double threadSeconds()
-{
-    timespec time;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 /// About `count` properties: groups holding arrays of objects {v, w}.
 void fill(DynamicObject& object, std::size_t count)

@@ -3,6 +3,7 @@
 // each holding an array of small objects {v, w, s}. Rates are properties per second of processor
 // time of this thread.
 
+#include "ThreadClock.h"
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/DynamicObjectBuilder.h>
@@ -19,16 +20,11 @@
 
 namespace {
 
+using orv::bench::threadSeconds;
+
 using orv::utils::AbstractObjectBuilder;
 using orv::utils::DynamicObject;
 using orv::utils::DynamicObjectBuilder;
-
-double threadSeconds()
-{
-    timespec time;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 /// The shape of a tree of about `count` properties, and the producer that sends it.
 struct Shape {

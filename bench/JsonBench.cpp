@@ -7,6 +7,7 @@
 // The parser is reached through the loader because the library links it privately: the symbols
 // are already in the process, but not on the benchmark's link line.
 
+#include "ThreadClock.h"
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/BufferInput.h>
 #include <orv/utils/DynamicObject.h>
@@ -30,12 +31,7 @@
 
 namespace {
 
-double threadSeconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+using orv::bench::threadSeconds;
 
 using orv::bench::NullBuilder;
 

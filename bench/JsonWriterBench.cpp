@@ -13,6 +13,7 @@
 // The generator is reached through the loader because the library links it privately: the
 // symbols are already in the process, but not on the benchmark's link line.
 
+#include "ThreadClock.h"
 #include <orv/utils/BufferInput.h>
 #include <orv/utils/DynamicBufferInputOutput.h>
 #include <orv/utils/DynamicObject.h>
@@ -38,12 +39,7 @@
 
 namespace {
 
-double threadSeconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+using orv::bench::threadSeconds;
 
 struct RawGenerator {
     decltype(&yajl_gen_alloc) alloc;

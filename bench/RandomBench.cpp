@@ -3,6 +3,7 @@
 // the thread's processor time, so that time lost to other processes on a shared machine counts
 // for neither.
 
+#include "ThreadClock.h"
 #include <orv/utils/Random.h>
 
 #include <benchmark/benchmark.h>
@@ -12,12 +13,7 @@
 
 namespace {
 
-double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+using orv::bench::threadSeconds;
 
 double secondsSince(double start)
 {
