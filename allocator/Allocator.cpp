@@ -3,7 +3,26 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
+
+// Under the address checker a cached block stays poisoned, so that a use after release is still
+// caught although the memory is not returned.
+#if defined(__SANITIZE_ADDRESS__)
+#define ORV_ALLOCATOR_WITH_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORV_ALLOCATOR_WITH_ASAN 1
+#endif
+#endif
+#ifdef ORV_ALLOCATOR_WITH_ASAN
+#include <sanitizer/asan_interface.h>
+#define ORV_ALLOCATOR_POISON(address, size) ASAN_POISON_MEMORY_REGION((address), (size))
+#define ORV_ALLOCATOR_UNPOISON(address, size) ASAN_UNPOISON_MEMORY_REGION((address), (size))
+#else
+#define ORV_ALLOCATOR_POISON(address, size) ((void)(address), (void)(size))
+#define ORV_ALLOCATOR_UNPOISON(address, size) ((void)(address), (void)(size))
+#endif
 
 namespace orv {
 namespace allocator {
@@ -33,6 +52,22 @@ constexpr std::size_t trackedHeader = sizeof(TrackedNode) + sizeof(Prefix);
 static_assert(untrackedHeader % 16 == 0, "blocks keep the alignment of malloc");
 static_assert(trackedHeader % 16 == 0, "blocks keep the alignment of malloc");
 
+// Released untracked blocks of the sizes that come and go in bulk (the node blocks of dynamic
+// objects, stream buffers) wait here for the next request of the same size instead of going back
+// to the system: a block the system took back costs a fault per page when it is touched again, and
+// an object of many blocks built after another was freed would pay it for all of them.
+constexpr std::size_t cachedMinimum = 1024;
+constexpr std::size_t cachedMaximum = 64 * 1024;
+constexpr std::size_t cacheBinCount = 8;
+constexpr std::size_t defaultCacheLimit = 64 * 1024 * 1024;
+
+/// Cached blocks of one size, linked through their first word.
+struct CacheBin {
+    std::size_t size;
+    std::size_t count;
+    void* head;
+};
+
 struct State {
     std::atomic<std::size_t> liveBlocks{0};
     std::atomic<std::size_t> liveBytes{0};
@@ -40,7 +75,87 @@ struct State {
     std::atomic<bool> tracking{false};
     mutable std::mutex listMutex;
     TrackedNode head{&head, &head, 0, nullptr, 0, 0, 0};
+
+    std::mutex cacheMutex;
+    CacheBin bins[cacheBinCount] = {};
+    std::size_t cachedBytes = 0;
+    std::size_t cacheLimit = defaultCacheLimit;
 };
+
+bool isCachedSize(std::size_t size)
+{
+    return size >= cachedMinimum && size <= cachedMaximum;
+}
+
+/// Hands the blocks of one bin back to the system; the cache lock is held.
+void emptyBin(State& s, CacheBin& bin)
+{
+    while (bin.head != nullptr) {
+        unsigned char* raw = static_cast<unsigned char*>(bin.head);
+        ORV_ALLOCATOR_UNPOISON(raw + untrackedHeader, bin.size);
+        std::memcpy(&bin.head, raw + untrackedHeader, sizeof(void*));
+        std::free(raw);
+    }
+    s.cachedBytes -= bin.count * bin.size;
+    bin.count = 0;
+}
+
+/// A cached untracked block of `size` bytes (its header still in place), or null.
+unsigned char* takeCached(State& s, std::size_t size)
+{
+    std::lock_guard<std::mutex> lock(s.cacheMutex);
+    for (CacheBin& bin : s.bins) {
+        if (bin.size == size && bin.head != nullptr) {
+            unsigned char* raw = static_cast<unsigned char*>(bin.head);
+            ORV_ALLOCATOR_UNPOISON(raw + untrackedHeader, size);
+            std::memcpy(&bin.head, raw + untrackedHeader, sizeof(void*));
+            --bin.count;
+            s.cachedBytes -= size;
+            return raw;
+        }
+    }
+    return nullptr;
+}
+
+/// Keeps an untracked block for reuse; false when the cache has no room for it.
+bool keepCached(State& s, unsigned char* raw, std::size_t size)
+{
+    std::lock_guard<std::mutex> lock(s.cacheMutex);
+    if (s.cachedBytes + size > s.cacheLimit) {
+        return false;
+    }
+    // The bin of this size, or else the one holding the fewest bytes: one-off sizes (a buffer that
+    // grew once) must not keep the bins from the sizes that come back.
+    CacheBin* target = &s.bins[0];
+    for (CacheBin& bin : s.bins) {
+        if (bin.size == size) {
+            target = &bin;
+            break;
+        }
+        if (bin.count * bin.size < target->count * target->size) {
+            target = &bin;
+        }
+    }
+    if (target->size != size) {
+        emptyBin(s, *target);
+        target->size = size;
+    }
+    std::memcpy(raw + untrackedHeader, &target->head, sizeof(void*));
+    target->head = raw;
+    ++target->count;
+    s.cachedBytes += size;
+    ORV_ALLOCATOR_POISON(raw + untrackedHeader, size);
+    return true;
+}
+
+/// Hands every cached block back to the system.
+void releaseCache(State& s)
+{
+    std::lock_guard<std::mutex> lock(s.cacheMutex);
+    for (CacheBin& bin : s.bins) {
+        emptyBin(s, bin);
+    }
+}
 
 State& state()
 {
@@ -68,7 +183,10 @@ void* Allocator::allocate(std::size_t size, const char* file, unsigned int line)
     if (size > SIZE_MAX - header) {
         return nullptr;
     }
-    unsigned char* raw = static_cast<unsigned char*>(std::malloc(header + size));
+    unsigned char* raw = !tracked && isCachedSize(size) ? takeCached(s, size) : nullptr;
+    if (raw == nullptr) {
+        raw = static_cast<unsigned char*>(std::malloc(header + size));
+    }
     if (raw == nullptr) {
         return nullptr;
     }
@@ -111,7 +229,9 @@ void Allocator::deallocate(void* pointer, std::size_t)
     }
     s.liveBlocks.fetch_sub(1, std::memory_order_relaxed);
     s.liveBytes.fetch_sub(size, std::memory_order_relaxed);
-    std::free(raw);
+    if ((prefix->flags & trackedFlag) != 0 || !isCachedSize(size) || !keepCached(s, raw, size)) {
+        std::free(raw);
+    }
 }
 
 std::size_t Allocator::getLiveBlockCount() const
@@ -127,6 +247,32 @@ std::size_t Allocator::getLiveByteCount() const
 unsigned long long Allocator::getNextSerial() const
 {
     return state().nextSerial.load(std::memory_order_relaxed);
+}
+
+std::size_t Allocator::getCachedByteCount() const
+{
+    State& s = state();
+    std::lock_guard<std::mutex> lock(s.cacheMutex);
+    return s.cachedBytes;
+}
+
+void Allocator::setCacheLimit(std::size_t bytes)
+{
+    State& s = state();
+    {
+        std::lock_guard<std::mutex> lock(s.cacheMutex);
+        s.cacheLimit = bytes;
+        if (s.cachedBytes <= bytes) {
+            return;
+        }
+    }
+    // Simplest to start over: the cache fills again from the next releases.
+    releaseCache(s);
+}
+
+void Allocator::releaseCachedBlocks()
+{
+    releaseCache(state());
 }
 
 void Allocator::setBlockTracking(bool enabled)

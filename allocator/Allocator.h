@@ -35,6 +35,14 @@ public:
     /// Serial number the next allocation will get; blocks allocated after a mark have serials >= it.
     unsigned long long getNextSerial() const;
 
+    /// Released blocks of 1 KB to 64 KB are kept for reuse by later requests of the same size, up to
+    /// a limit (64 MB unless set): memory an object gave back is ready, its pages already mapped,
+    /// for the next one. Blocks allocated while tracking is on are never kept.
+    std::size_t getCachedByteCount() const;
+    /// A lower limit than what is kept hands all kept blocks back to the system; 0 keeps none.
+    void setCacheLimit(std::size_t bytes);
+    void releaseCachedBlocks();
+
     /// Blocks allocated while tracking is on are listed until released.
     void setBlockTracking(bool enabled);
     bool isBlockTracking() const;
