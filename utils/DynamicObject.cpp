@@ -97,7 +97,8 @@ DynamicObject::DynamicObject()
       lastBlockUsed_(defaultBlockSize),
       firstFreeNode_(0),
       blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
-      index_(nullptr)
+      index_(nullptr),
+      shapeStamp_(0)
 {
     addRootProperty();
 }
@@ -110,7 +111,8 @@ DynamicObject::DynamicObject(NodeAllocator& allocator, StringTable& stringTable)
       lastBlockUsed_(allocator.blockSize_),
       firstFreeNode_(0),
       blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
-      index_(nullptr)
+      index_(nullptr),
+      shapeStamp_(0)
 {
     addRootProperty();
 }
@@ -123,7 +125,8 @@ DynamicObject::DynamicObject(const DynamicObject& other)
       lastBlockUsed_(other.nodeAllocator_->blockSize_),
       firstFreeNode_(0),
       blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
-      index_(nullptr)
+      index_(nullptr),
+      shapeStamp_(0)
 {
     doMemoryCopy(other);
 }
@@ -136,7 +139,8 @@ DynamicObject::DynamicObject(const Ref& other)
       lastBlockUsed_(other.get().nodeAllocator_->blockSize_),
       firstFreeNode_(0),
       blockShift_(computeBlockShift(nodeAllocator_->blockSize_)),
-      index_(nullptr)
+      index_(nullptr),
+      shapeStamp_(0)
 {
     doMemoryCopy(other.get());
 }
@@ -278,12 +282,10 @@ unsigned int DynamicObject::getPropertyAsserts(const char* key) const
     return property;
 }
 
-DynamicObject::Node* DynamicObject::findValueNodeAsserts(unsigned int property) const
+DynamicObject::Node* DynamicObject::reportInvalidProperty()
 {
-    Node* value = findValueNode(property);
-    ORV_CHECK(value != nullptr, "Invalid property");
-    // The hook returned: the caller gives up on this handle, as for a missing property.
-    return value;
+    ORV_FAIL("Invalid property");
+    return nullptr;
 }
 
 // Reads.
@@ -729,14 +731,14 @@ void DynamicObject::retrieve(const char* key, unsigned int length, DynamicObject
     retrieve(checkKey(key) ? getProperty(key, length) : 0, target);
 }
 
-unsigned int DynamicObject::appendElement(unsigned int array)
+unsigned int DynamicObject::appendElement(unsigned int array, InsertionTrail* trail)
 {
     Node* value = findValueNodeAsserts(array);
     if (value == nullptr) {
         return 0;
     }
     const unsigned int count = value->value.type == type::array ? static_cast<unsigned int>(value->getPayload()) : 0;
-    const unsigned int element = addElement(array, count);
+    const unsigned int element = addElement(array, count, trail);
     if (element == 0) {
         return 0;
     }

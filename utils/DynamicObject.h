@@ -277,7 +277,22 @@ private:
     /// log2 of the block size when it is a power of two, else noBlockShift.
     static unsigned int computeBlockShift(unsigned int blockSize);
 
-    Node* allocateNode(char splitChar, unsigned int& index);
+    // Every key character and value of a new property comes from here: the bump of the last
+    // block is kept inline, the free list and a new block are not.
+    Node* allocateNode(char splitChar, unsigned int& index)
+    {
+        const unsigned int blockSize = nodeAllocator_->blockSize_;
+        if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize) {
+            return allocateNodeFromStore(splitChar, index);
+        }
+        const unsigned int slot = lastBlockUsed_++;
+        index = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
+        Node* node = blocks_.back() + slot;
+        std::memset(node, 0, sizeof(Node));
+        node->trie.splitChar = static_cast<signed char>(splitChar);
+        return node;
+    }
+    Node* allocateNodeFromStore(char splitChar, unsigned int& index);
     Node* allocateValueNode(unsigned int& index);
     void deallocateNode(Node* node, unsigned int index);
     Node* findNode(unsigned int start, const char* key, unsigned int length, bool toProperty,
@@ -311,8 +326,35 @@ private:
         unsigned int firstLevel;
         unsigned int level;
     };
+    /// What the last insertion from one start node passed through, so that the next one, which
+    /// mostly shares its beginning and sorts after it (array indices, keys written in order), goes
+    /// on from there instead of walking each level of its key again. A builder keeps one for each
+    /// container it fills. The first `depth` characters are kept; the rest is walked as usual.
+    struct InsertionTrail {
+        static constexpr unsigned int depth = 16;
+        /// The node the key was walked from; 0 when nothing is recorded.
+        unsigned int start = 0;
+        /// The property whose children the keys are, when they hang behind its `.`.
+        unsigned int owner = 0;
+        unsigned int length = 0;
+        /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
+        unsigned long long stamp = 0;
+        char text[depth] = {};
+        /// The node each character was found or made at.
+        unsigned int matched[depth] = {};
+        /// For each character, the node of the smallest character of its level that the walk went
+        /// below, 0 if none: a later character above the recorded one and below this one takes the
+        /// same way down to the matched node and goes on past it.
+        unsigned int bound[depth] = {};
+    };
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
-                      unsigned int& valueIndex, KeyPlace* place);
+                      unsigned int& valueIndex, KeyPlace* place, InsertionTrail* trail = nullptr);
+    /// Takes the part of a recorded insertion that `key` shares: sets `link` to where the walk of
+    /// the rest starts (and `firstLink`, `bound` as the walk would have them) and returns the
+    /// number of characters already matched.
+    unsigned int followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
+                             unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
+                             unsigned int& bound) const;
     bool eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed);
     bool eraseProperty(unsigned int property, const char* key, unsigned int length);
     void addRootProperty();
@@ -328,16 +370,24 @@ private:
     /// Where the keys of `parent`'s children start: the root itself, or the node after the
     /// parent's `.`; 0 when the parent has no child.
     unsigned int findChildrenStart(unsigned int parent) const;
-    unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length);
+    unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
+                            InsertionTrail* trail = nullptr);
     /// The value node of a property for an operation that needs one; "Invalid property" otherwise.
-    Node* findValueNodeAsserts(unsigned int property) const;
+    Node* findValueNodeAsserts(unsigned int property) const
+    {
+        Node* value = findValueNode(property);
+        return value != nullptr ? value : reportInvalidProperty();
+    }
+    /// The failed assertion of findValueNodeAsserts, out of line. The hook returned: the caller
+    /// gives up on this handle, as for a missing property.
+    static Node* reportInvalidProperty();
     /// Appends a null element to an array (or a null property, which becomes one) and returns its
     /// handle, 0 when no node is left. Unlike resize this reaches the last of maximumArraySize
     /// elements, which a builder fills from a document.
-    unsigned int appendElement(unsigned int array);
+    unsigned int appendElement(unsigned int array, InsertionTrail* trail = nullptr);
     /// Adds the nodes of the element at `index` of `array`, with its shortcut, and returns its
     /// handle; 0 when no node is left. The array's count is the caller's to set.
-    unsigned int addElement(unsigned int array, unsigned int index);
+    unsigned int addElement(unsigned int array, unsigned int index, InsertionTrail* trail = nullptr);
     /// Removes the children of an array or object value before a scalar is stored.
     void prepareScalarWrite(unsigned int property, Node*& value);
 
@@ -373,6 +423,9 @@ private:
     unsigned int blockShift_;
     // Made by the first level worth indexing; null until then.
     impl::DynamicObjectIndex* index_;
+    // Counts the changes that may take a node off a recorded insertion path: releases of nodes,
+    // rewired links, a cleared store.
+    unsigned long long shapeStamp_;
 };
 
 } // namespace utils

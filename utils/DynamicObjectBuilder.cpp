@@ -19,10 +19,20 @@ DynamicObjectBuilder::DynamicObjectBuilder(DynamicObject& object, unsigned int p
     : properties_()
     , types_()
     , object_(object)
+    , trails_()
 {
     const unsigned int start = property != 0 ? property : object.getRoot();
     properties_.push_back(start);
     types_.push_back(object.getType(start));
+}
+
+DynamicObject::InsertionTrail& DynamicObjectBuilder::currentTrail()
+{
+    const std::size_t depth = properties_.size();
+    if (trails_.size() < depth) {
+        trails_.resize(depth);
+    }
+    return trails_[depth - 1];
 }
 
 bool DynamicObjectBuilder::beginProperty(type::Type type)
@@ -160,9 +170,11 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
         return false;
     }
     // Keys are outside data (a JSON document, a message): one that can't name a child is refused
-    // here, where the producer learns of it, instead of failing addChild's contract.
+    // here, where the producer learns of it, instead of failing addChild's contract. Past these
+    // checks the parent is an object (or still null) and the key is sound, which is all that
+    // addChild asserts before it adds.
     const bool refused = key != nullptr && !checkPropertyKey(key, size);
-    const unsigned int child = refused ? 0 : object_.addChild(properties_.back(), key, size);
+    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &currentTrail());
     if (child != 0) {
         properties_.push_back(child);
         types_.push_back(type::null);
@@ -206,7 +218,7 @@ bool DynamicObjectBuilder::arrayChild()
                                            << ".");
         return false;
     }
-    const unsigned int element = object_.appendElement(array);
+    const unsigned int element = object_.appendElement(array, &currentTrail());
     if (element == 0) {
         ORV_LOG_ERROR(
             logger_, error::badAllocation, "The current array property (" << array << ") can't take another element.");

@@ -3,12 +3,11 @@
 
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/Common.h>
+#include <orv/utils/DynamicObject.h>
 #include <orv/utils/Type.h>
 
 namespace orv {
 namespace utils {
-
-class DynamicObject;
 
 /// The consumer that fills a DynamicObject from builder events, starting at one property.
 ///
@@ -48,10 +47,15 @@ private:
     bool beginContainer(type::Type type);
     /// The current property for a scalar store, or 0 when there is none.
     unsigned int currentForScalar(type::Type type);
+    /// Where the last child of the container at the top of the stacks was added.
+    DynamicObject::InsertionTrail& currentTrail();
 
     Vector<unsigned int> properties_;
     Vector<type::Type> types_;
     DynamicObject& object_;
+    /// One per depth of the stacks: children come in document order, and the next key of a
+    /// container mostly continues from where the last one was put.
+    Vector<DynamicObject::InsertionTrail> trails_;
 };
 
 /// Sends `object` to `builder` as one document from its root; true only if every event was accepted.

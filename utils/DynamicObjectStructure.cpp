@@ -35,7 +35,8 @@ unsigned int DynamicObject::findChildrenStart(unsigned int parent) const
 
 // Children by key.
 
-unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, unsigned int length)
+unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, unsigned int length,
+                                       InsertionTrail* trail)
 {
     if (!checkKey(key)) {
         return 0;
@@ -64,7 +65,7 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
             ++key;
             --length;
         }
-        value = addProperty(root_, key, length, added, property, valueIndex, &place);
+        value = addProperty(root_, key, length, added, property, valueIndex, &place, trail);
         stand = root_;
         piece = key;
         pieceLength = length;
@@ -74,12 +75,22 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
         piece = key + 1;
         pieceLength = length - 1;
     } else {
-        unsigned int start;
-        findNode(parent, ".", 1, false, start);
+        // A trail of this parent's children starts behind its `.` already.
+        unsigned int start = trail != nullptr && trail->owner == parent && trail->stamp == shapeStamp_ ? trail->start : 0;
+        if (start == 0) {
+            findNode(parent, ".", 1, false, start);
+        }
         if (start != 0) {
-            value = addProperty(start, key, length, added, property, valueIndex, &place);
+            if (trail != nullptr) {
+                trail->owner = parent;
+            }
+            value = addProperty(start, key, length, added, property, valueIndex, &place, trail);
             stand = start;
         } else {
+            if (trail != nullptr) {
+                // The first child makes the `.`: the trail starts with the next one.
+                trail->start = 0;
+            }
             const impl::DottedKey dotted(key, length);
             value = addProperty(parent, dotted.text(), dotted.length(), added, property, valueIndex, &place);
             stand = place.firstLevel;
@@ -230,7 +241,7 @@ bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, c
 
 // Children by position.
 
-unsigned int DynamicObject::addElement(unsigned int array, unsigned int index)
+unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, InsertionTrail* trail)
 {
     char key[arrayKeyCapacity];
     const unsigned int length = formatArrayKey(index, key);
@@ -238,7 +249,7 @@ unsigned int DynamicObject::addElement(unsigned int array, unsigned int index)
     unsigned int element;
     unsigned int valueIndex;
     KeyPlace place{0, 0};
-    if (addProperty(array, key, length, added, element, valueIndex, &place) == nullptr) {
+    if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {
         return 0;
     }
     // An element's piece is its index and closing bracket, from behind the `[`.
@@ -323,6 +334,7 @@ bool DynamicObject::eraseChild(unsigned int parent, unsigned int index)
             }
         }
         if (previous != nullptr) {
+            ++shapeStamp_;
             const Node swapped = *previous;
             *previous = *node;
             *node = swapped;
@@ -519,6 +531,7 @@ unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, un
             unsigned int newSeparatorIndex;
             Node* newSeparator = allocateNode(separator, newSeparatorIndex);
             if (newSeparator != nullptr) {
+                ++shapeStamp_;
                 newSeparator->trie.equal = childrenLink;
                 Node* renamedNode = getNode(renamed);
                 rebuild = rebuild || renamedNode->trie.greater != 0;

@@ -18,7 +18,7 @@ DynamicObject::Node* DynamicObject::reportBlockOutOfRange()
     return nullptr;
 }
 
-DynamicObject::Node* DynamicObject::allocateNode(char splitChar, unsigned int& index)
+DynamicObject::Node* DynamicObject::allocateNodeFromStore(char splitChar, unsigned int& index)
 {
     const unsigned int blockSize = nodeAllocator_->blockSize_;
     Node* node = nullptr;
@@ -63,6 +63,7 @@ DynamicObject::Node* DynamicObject::allocateValueNode(unsigned int& index)
 
 void DynamicObject::deallocateNode(Node* node, unsigned int index)
 {
+    ++shapeStamp_;
     const unsigned int lastIndex =
         static_cast<unsigned int>(blocks_.size() - 1) * nodeAllocator_->blockSize_ + lastBlockUsed_;
     if (index == lastIndex) {
@@ -190,7 +191,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
 
 DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* key, unsigned int length,
                                                 bool& added, unsigned int& property, unsigned int& valueIndex,
-                                                KeyPlace* place)
+                                                KeyPlace* place, InsertionTrail* trail)
 {
     notify([](AbstractDynamicObjectListener& listener) { listener.beforeAddProperty(); });
     added = false;
@@ -205,6 +206,17 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     unsigned int* link = &startLink;
     unsigned int* firstLink = &startLink;
     unsigned int position = 0;
+    // The smallest node of the current level that the walk went below.
+    unsigned int bound = 0;
+    if (trail != nullptr) {
+        if (trail->start == start && trail->stamp == shapeStamp_) {
+            position = followTrail(*trail, key, length, startLink, link, firstLink, bound);
+            last = position != 0 ? trail->matched[position - 1] : 0;
+        }
+        // Rewritten as the walk goes: a failed insertion leaves none.
+        trail->start = 0;
+    }
+    const unsigned int recorded = trail == nullptr ? 0 : length < InsertionTrail::depth ? length : InsertionTrail::depth;
     // As in a search, more steps than nodes come only from links that loop.
     const std::size_t nodeCount = blocks_.size() * nodeAllocator_->getBlockSize();
     std::size_t steps = 0;
@@ -224,6 +236,12 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         next = equal ? &node->trie.equal : next;
         firstLink = equal && position == 0 ? next : firstLink;
         link = next;
+        if (position < recorded) {
+            trail->matched[position] = last;
+            trail->bound[position] = bound;
+            bound = c < split ? last : bound;
+            bound = equal ? 0 : bound;
+        }
         position += equal ? 1 : 0;
     }
     for (; position < length; ++position) {
@@ -238,6 +256,17 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         if (position == 0) {
             firstLink = link;
         }
+        if (position < recorded) {
+            trail->matched[position] = index;
+            trail->bound[position] = bound;
+            bound = 0;
+        }
+    }
+    if (recorded != 0) {
+        std::memcpy(trail->text, key, recorded);
+        trail->length = recorded;
+        trail->stamp = shapeStamp_;
+        trail->start = start;
     }
     unsigned int* const levelLink = link;
     // The end-of-key node sits at the bottom of the chain of smaller characters of its level,
@@ -291,6 +320,37 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         listener.afterAddProperty(key, length, endOfKeyIndex);
     });
     return value;
+}
+
+unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
+                                       unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
+                                       unsigned int& bound) const
+{
+    const unsigned int shared = length < trail.length ? length : trail.length;
+    unsigned int position = 0;
+    while (position < shared && key[position] == trail.text[position]) {
+        ++position;
+    }
+    // The recorded nodes of the shared characters are this key's too.
+    if (position != 0) {
+        link = &getNode(trail.matched[position - 1])->trie.equal;
+        firstLink = &getNode(trail.matched[0])->trie.equal;
+    } else {
+        link = &startLink;
+    }
+    if (position < shared) {
+        // A character above the recorded one, and below every node that the recorded one went
+        // below, follows the recorded way to the matched node and then goes above it. Anything else
+        // walks its level from the top.
+        const signed char c = static_cast<signed char>(key[position]);
+        const signed char recorded = static_cast<signed char>(trail.text[position]);
+        const Node* limit = getNode(trail.bound[position]);
+        if (c > recorded && (limit == nullptr || c < limit->trie.splitChar)) {
+            link = &getNode(trail.matched[position])->trie.greater;
+            bound = trail.bound[position];
+        }
+    }
+    return position;
 }
 
 bool DynamicObject::eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed)
@@ -358,6 +418,7 @@ void DynamicObject::addRootProperty()
 
 void DynamicObject::doClear()
 {
+    ++shapeStamp_;
     for (Node* block : blocks_) {
         nodeAllocator_->deallocate(block);
     }
