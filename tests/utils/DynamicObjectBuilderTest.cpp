@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace orv {
 namespace test {
@@ -136,6 +139,175 @@ TEST(DynamicObjectBuilder, AnArrayTakesTheLargestSizeAndNoMore)
     EXPECT_TRUE(builder.endArray() && builder.end());
     EXPECT_EQ(object.countChildren(object.getRoot()), DynamicObject::maximumArraySize);
     EXPECT_EQ(object.getInt("[99999]", -1), 99999);
+}
+
+/// The store of `object` as far as it means anything: its counters, then every node reached from
+/// the root and from the free list, with its index. Slots never handed out are saved as they lie
+/// in memory, and the rule for releasing the last slot can leave some inside a block.
+std::string reachableNodes(const DynamicObject& object)
+{
+    const std::string blob = saveBlob(object);
+    unsigned int words[6];
+    std::memcpy(words, blob.data() + 4, sizeof words);
+    const std::size_t nodeCount = (blob.size() - 24) / 16;
+    std::string seen = blob.substr(0, 24);
+    const auto node = [&blob](unsigned int index, unsigned int word) {
+        unsigned int value;
+        std::memcpy(&value, blob.data() + 24 + (index - 1) * 16 + word * 4, sizeof value);
+        return value;
+    };
+    std::vector<unsigned int> pending { words[2] };
+    while (!pending.empty()) {
+        const unsigned int index = pending.back();
+        pending.pop_back();
+        if (index == 0 || index > nodeCount) {
+            continue;
+        }
+        seen += std::to_string(index) + ":" + blob.substr(24 + (index - 1) * 16, 16);
+        if ((node(index, 3) & 0xFF) == 0) {
+            pending.insert(pending.end(), { node(index, 0), node(index, 1), node(index, 2) });
+        }
+    }
+    for (unsigned int free = words[4], steps = 0; free != 0 && free <= nodeCount && steps < nodeCount; ++steps) {
+        seen += "free " + std::to_string(free);
+        free = node(free, 0);
+    }
+    return seen;
+}
+
+/// The builder's events as the public operations that its contract names, one call each: what the
+/// builder does by shortcuts must leave the very same nodes.
+class PlainBuilder : public utils::AbstractObjectBuilder {
+public:
+    explicit PlainBuilder(DynamicObject& object) : object_(object), stack_ { object.getRoot() } {}
+
+    bool null() override { return scalar([this](unsigned int p) { object_.resetProperty(p); }); }
+    bool boolean(bool v) override { return scalar([this, v](unsigned int p) { object_.setBool(p, v); }); }
+    bool integer(long long v) override { return scalar([this, v](unsigned int p) { object_.setInt(p, v); }); }
+    bool real(double v) override { return scalar([this, v](unsigned int p) { object_.setReal(p, v); }); }
+    using AbstractObjectBuilder::string;
+    bool string(const char* v, unsigned int n) override
+    {
+        return scalar([this, v, n](unsigned int p) { object_.setString(p, v, n); });
+    }
+    bool beginObject() override { return begin(utils::type::object); }
+    bool beginArray() override { return begin(utils::type::array); }
+    bool endObject() override { return end(); }
+    bool endArray() override { return end(); }
+    using AbstractObjectBuilder::objectChild;
+    bool objectChild(const char* key, unsigned int size) override
+    {
+        stack_.push_back(object_.addChild(stack_.back(), key, size));
+        return stack_.back() != 0;
+    }
+    bool arrayChild() override
+    {
+        const unsigned int count = object_.countChildren(stack_.back());
+        object_.resize(stack_.back(), count + 1);
+        stack_.push_back(object_.getChild(stack_.back(), count));
+        return stack_.back() != 0;
+    }
+
+private:
+    template <typename Store>
+    bool scalar(Store store)
+    {
+        store(stack_.back());
+        return end();
+    }
+    bool begin(utils::type::Type type)
+    {
+        const utils::type::Type stored = object_.getType(stack_.back());
+        if (stored != utils::type::null && stored != type) {
+            object_.resetProperty(stack_.back());
+        }
+        return true;
+    }
+    bool end()
+    {
+        stack_.pop_back();
+        return true;
+    }
+
+    DynamicObject& object_;
+    std::vector<unsigned int> stack_;
+};
+
+/// Sends one random value: keys drawn from a small set that shares prefixes, holds bytes above
+/// 0x7F and repeats, containers of up to `width` children, some past the size where a level gets
+/// its shortcuts.
+void sendRandomValue(std::mt19937& random, int depth, std::vector<utils::AbstractObjectBuilder*> builders)
+{
+    static const char* const keys[] = { "a", "ab", "abc", "b", "ba", "k1", "k10", "k2", "k20", "k3", "z", "\x80", "a\xff",
+                                        "longer name", "k" };
+    const unsigned int kind = depth >= 4 ? random() % 3 : random() % 5;
+    const auto all = [&builders](auto event) {
+        for (utils::AbstractObjectBuilder* builder : builders) {
+            ASSERT_TRUE(event(*builder));
+        }
+    };
+    if (kind < 3) {
+        const long long value = static_cast<long long>(random() % 1000);
+        all([value, kind](utils::AbstractObjectBuilder& b) {
+            return kind == 0 ? b.integer(value) : kind == 1 ? b.string(std::to_string(value).c_str()) : b.null();
+        });
+        return;
+    }
+    const bool isObject = kind == 3;
+    all([isObject](utils::AbstractObjectBuilder& b) { return isObject ? b.beginObject() : b.beginArray(); });
+    const unsigned int count = random() % (random() % 4 == 0 ? 50 : 8);
+    for (unsigned int i = 0; i < count; ++i) {
+        // Mostly ascending names, as documents are written, with jumps back and repeats.
+        const std::string key = random() % 3 == 0 ? keys[random() % 15] : "n" + std::to_string(i * 3 + random() % 4);
+        all([&key, isObject](utils::AbstractObjectBuilder& b) {
+            return isObject ? b.objectChild(key.data(), static_cast<unsigned int>(key.size())) : b.arrayChild();
+        });
+        sendRandomValue(random, depth + 1, builders);
+    }
+    all([isObject](utils::AbstractObjectBuilder& b) { return isObject ? b.endObject() : b.endArray(); });
+}
+
+TEST(DynamicObjectBuilder, LeavesTheNodesThatThePlainOperationsLeave)
+{
+    std::mt19937 random(11);
+    for (int round = 0; round < 60; ++round) {
+        DynamicObject built;
+        DynamicObject plain;
+        {
+            DynamicObjectBuilder builder(built, 0);
+            PlainBuilder reference(plain);
+            sendRandomValue(random, 0, { &builder, &reference });
+        }
+        ASSERT_EQ(reachableNodes(built), reachableNodes(plain)) << round;
+        ASSERT_EQ(dump(built), dump(plain)) << round;
+        // A build goes on after children it just made were erased: their nodes, which its last
+        // insertions went through, are on the free list and the next insertion takes them.
+        const unsigned int root = built.getRoot();
+        const bool isObject = built.getType(root) == utils::type::object;
+        if (!isObject && built.getType(root) != utils::type::array) {
+            continue;
+        }
+        DynamicObjectBuilder again(built, 0);
+        PlainBuilder referenceAgain(plain);
+        ASSERT_TRUE(isObject ? again.beginObject() && referenceAgain.beginObject()
+                             : again.beginArray() && referenceAgain.beginArray());
+        for (unsigned int step = 0; step < 12; ++step) {
+            const std::string key = "n" + std::to_string(step * 3 % 11);
+            for (utils::AbstractObjectBuilder* builder : { static_cast<utils::AbstractObjectBuilder*>(&again),
+                                                          static_cast<utils::AbstractObjectBuilder*>(&referenceAgain) }) {
+                ASSERT_TRUE(isObject ? builder->objectChild(key.c_str()) : builder->arrayChild());
+                ASSERT_TRUE(builder->integer(step));
+            }
+            if (step % 4 == 3) {
+                for (DynamicObject* object : { &built, &plain }) {
+                    const unsigned int last = object->countChildren(root) - 1;
+                    EXPECT_TRUE(isObject ? object->eraseChild(root, key.c_str(), static_cast<unsigned int>(key.size()))
+                                         : object->eraseChild(root, last));
+                }
+            }
+        }
+        ASSERT_EQ(reachableNodes(built), reachableNodes(plain)) << round;
+    }
 }
 
 TEST(DynamicObjectRetrieve, RebuildsASubtreeInAnotherObject)
