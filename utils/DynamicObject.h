@@ -340,21 +340,23 @@ private:
         /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
         unsigned long long stamp = 0;
         char text[depth] = {};
-        /// The node each character was found or made at.
+        /// The node each character was found or made at, as index and address (blocks never move).
         unsigned int matched[depth] = {};
+        Node* matchedNode[depth] = {};
         /// For each character, the node of the smallest character of its level that the walk went
-        /// below, 0 if none: a later character above the recorded one and below this one takes the
-        /// same way down to the matched node and goes on past it.
+        /// below, 0 if none, and that character: a later character above the recorded one and below
+        /// this one takes the same way down to the matched node and goes on past it.
         unsigned int bound[depth] = {};
+        signed char boundCharacter[depth] = {};
     };
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
                       unsigned int& valueIndex, KeyPlace* place, InsertionTrail* trail = nullptr);
     /// Takes the part of a recorded insertion that `key` shares: sets `link` to where the walk of
     /// the rest starts (and `firstLink`, `bound` as the walk would have them) and returns the
     /// number of characters already matched.
-    unsigned int followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
-                             unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
-                             unsigned int& bound) const;
+    static unsigned int followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
+                                    unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
+                                    unsigned int& bound, signed char& boundCharacter);
     bool eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed);
     bool eraseProperty(unsigned int property, const char* key, unsigned int length);
     void addRootProperty();

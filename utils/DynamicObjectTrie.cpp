@@ -206,11 +206,12 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     unsigned int* link = &startLink;
     unsigned int* firstLink = &startLink;
     unsigned int position = 0;
-    // The smallest node of the current level that the walk went below.
+    // The smallest node of the current level that the walk went below, and its character.
     unsigned int bound = 0;
+    signed char boundCharacter = 0;
     if (trail != nullptr) {
         if (trail->start == start && trail->stamp == shapeStamp_) {
-            position = followTrail(*trail, key, length, startLink, link, firstLink, bound);
+            position = followTrail(*trail, key, length, startLink, link, firstLink, bound, boundCharacter);
             last = position != 0 ? trail->matched[position - 1] : 0;
         }
         // Rewritten as the walk goes: a failed insertion leaves none.
@@ -238,12 +239,17 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         link = next;
         if (position < recorded) {
             trail->matched[position] = last;
+            trail->matchedNode[position] = node;
             trail->bound[position] = bound;
-            bound = c < split ? last : bound;
+            trail->boundCharacter[position] = boundCharacter;
+            const bool below = c < split;
+            bound = below ? last : bound;
+            boundCharacter = below ? split : boundCharacter;
             bound = equal ? 0 : bound;
         }
         position += equal ? 1 : 0;
     }
+    const bool madeNodes = position < length;
     for (; position < length; ++position) {
         unsigned int index;
         Node* node = allocateNode(key[position], index);
@@ -258,7 +264,9 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         }
         if (position < recorded) {
             trail->matched[position] = index;
+            trail->matchedNode[position] = node;
             trail->bound[position] = bound;
+            trail->boundCharacter[position] = boundCharacter;
             bound = 0;
         }
     }
@@ -270,31 +278,35 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     }
     unsigned int* const levelLink = link;
     // The end-of-key node sits at the bottom of the chain of smaller characters of its level,
-    // whatever that chain holds: nothing is ever rebalanced.
-    while (*link != 0) {
+    // whatever that chain holds: nothing is ever rebalanced. Below a character just made there is
+    // nothing yet, and what was just written is not read back.
+    Node* endOfKey = nullptr;
+    unsigned int endOfKeyIndex = 0;
+    while (!madeNodes && *link != 0) {
         Node* node = ++steps <= nodeCount || checkNesting(steps, 0) ? getNode(*link) : nullptr;
         if (node == nullptr || node->isValueNode()) {
             property = last;
             return nullptr;
         }
         if (node->trie.splitChar == 0) {
+            endOfKey = node;
+            endOfKeyIndex = *link;
             break;
         }
         link = &node->trie.less;
     }
-    if (*link == 0) {
-        unsigned int index;
-        if (allocateNode(0, index) == nullptr) {
+    const bool madeEndOfKey = endOfKey == nullptr;
+    if (madeEndOfKey) {
+        endOfKey = allocateNode(0, endOfKeyIndex);
+        if (endOfKey == nullptr) {
             property = last;
             return nullptr;
         }
-        *link = index;
+        *link = endOfKeyIndex;
     }
-    const unsigned int endOfKeyIndex = *link;
     property = endOfKeyIndex;
-    Node* endOfKey = getNode(endOfKeyIndex);
     Node* value = nullptr;
-    if (endOfKey->trie.equal == 0) {
+    if (madeEndOfKey || endOfKey->trie.equal == 0) {
         unsigned int index;
         value = allocateValueNode(index);
         if (value == nullptr) {
@@ -314,7 +326,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     }
     if (place != nullptr) {
         place->firstLevel = *firstLink;
-        place->level = *levelLink;
+        place->level = madeNodes ? endOfKeyIndex : *levelLink;
     }
     notify([key, length, endOfKeyIndex](AbstractDynamicObjectListener& listener) {
         listener.afterAddProperty(key, length, endOfKeyIndex);
@@ -324,7 +336,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
 
 unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
                                        unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
-                                       unsigned int& bound) const
+                                       unsigned int& bound, signed char& boundCharacter)
 {
     const unsigned int shared = length < trail.length ? length : trail.length;
     unsigned int position = 0;
@@ -333,8 +345,8 @@ unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char*
     }
     // The recorded nodes of the shared characters are this key's too.
     if (position != 0) {
-        link = &getNode(trail.matched[position - 1])->trie.equal;
-        firstLink = &getNode(trail.matched[0])->trie.equal;
+        link = &trail.matchedNode[position - 1]->trie.equal;
+        firstLink = &trail.matchedNode[0]->trie.equal;
     } else {
         link = &startLink;
     }
@@ -344,10 +356,10 @@ unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char*
         // walks its level from the top.
         const signed char c = static_cast<signed char>(key[position]);
         const signed char recorded = static_cast<signed char>(trail.text[position]);
-        const Node* limit = getNode(trail.bound[position]);
-        if (c > recorded && (limit == nullptr || c < limit->trie.splitChar)) {
-            link = &getNode(trail.matched[position])->trie.greater;
+        if (c > recorded && (trail.bound[position] == 0 || c < trail.boundCharacter[position])) {
+            link = &trail.matchedNode[position]->trie.greater;
             bound = trail.bound[position];
+            boundCharacter = trail.boundCharacter[position];
         }
     }
     return position;
