@@ -19,13 +19,17 @@ ORV_UTILS_API void throwOnAssertionFailed(const char* file, unsigned int line, c
 } // namespace orv
 
 /// A contract check that stands in every build. The text is composed as stream output, and only
-/// when the check fails. When the hook returns, execution goes on after the check.
+/// when the check fails. When the hook returns, execution goes on after the check. The failing
+/// branch is a function of its own, out of the way: the stream would otherwise widen the frame of
+/// every hot operation that checks something.
 #define ORV_CHECK(condition, text)                                                                                     \
     do {                                                                                                               \
-        if (!(condition)) {                                                                                            \
-            std::ostringstream orvCheckStream_;                                                                        \
-            orvCheckStream_ << text;                                                                                   \
-            ::orv::utils::assertionFailed(__FILE__, __LINE__, orvCheckStream_.str().c_str());                          \
+        if (__builtin_expect(!(condition), 0)) {                                                                       \
+            [&]() __attribute__((noinline, cold)) {                                                                    \
+                std::ostringstream orvCheckStream_;                                                                    \
+                orvCheckStream_ << text;                                                                               \
+                ::orv::utils::assertionFailed(__FILE__, __LINE__, orvCheckStream_.str().c_str());                      \
+            }();                                                                                                       \
         }                                                                                                              \
     } while (0)
 

@@ -24,8 +24,9 @@ struct JsonParseContext {
     explicit JsonParseContext(AbstractObjectBuilder& target) : builder(&target) {}
 
     AbstractObjectBuilder* builder;
-    /// One entry per open level, true for an array; the bottom entry is the document level.
-    Vector<bool> arrayStack;
+    /// One entry per open level, 1 for an array; the bottom entry is the document level. Bytes,
+    /// not bits: every value reads the top.
+    Vector<unsigned char> arrayStack;
     /// The parser's text for a number that doesn't fit its type, and the length of that number.
     /// The conversion is ours, so the parser only sees a cancelled parse and the report is
     /// composed here, as the parser would have written it.
@@ -150,7 +151,7 @@ int onStartMap(void* ctx)
     if (!enterValue(context) || !context.builder->beginObject()) {
         return 0;
     }
-    context.arrayStack.push_back(false);
+    context.arrayStack.push_back(0);
     return 1;
 }
 
@@ -173,7 +174,7 @@ int onStartArray(void* ctx)
     if (!enterValue(context) || !context.builder->beginArray()) {
         return 0;
     }
-    context.arrayStack.push_back(true);
+    context.arrayStack.push_back(1);
     return 1;
 }
 
@@ -262,7 +263,7 @@ bool deserializeJson(AbstractObjectBuilder& builder, AbstractDataInputOutput& in
         // The hook returned: nothing can be read.
         return false;
     }
-    context.arrayStack.push_back(false);
+    context.arrayStack.push_back(0);
     if (stopAfterValue) {
         yajl_config(parser, yajl_allow_trailing_garbage, 1);
     }
