@@ -209,9 +209,12 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     // The smallest node of the current level that the walk went below, and its character.
     unsigned int bound = 0;
     signed char boundCharacter = 0;
+    // The characters that the recorded key already has.
+    unsigned int kept = 0;
     if (trail != nullptr) {
         if (trail->start == start && trail->stamp == shapeStamp_) {
             position = followTrail(*trail, key, length, startLink, link, firstLink, bound, boundCharacter);
+            kept = position;
             last = position != 0 ? trail->matched[position - 1] : 0;
         }
         // Rewritten as the walk goes: a failed insertion leaves none.
@@ -271,7 +274,9 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         }
     }
     if (recorded != 0) {
-        std::memcpy(trail->text, key, recorded);
+        if (recorded > kept) {
+            std::memcpy(trail->text + kept, key + kept, recorded - kept);
+        }
         trail->length = recorded;
         trail->stamp = shapeStamp_;
         trail->start = start;

@@ -13,9 +13,11 @@
     do {                                                                                                               \
         ::orv::utils::AbstractLogger* orvLogger_ = (logger);                                                           \
         if (orvLogger_ != nullptr) {                                                                                   \
-            std::ostringstream orvLogStream_;                                                                          \
-            orvLogStream_ << text;                                                                                     \
-            orvLogger_->logError(::orv::utils::errorType, __FILE__, __LINE__, orvLogStream_.str().c_str());            \
+            [&]() __attribute__((noinline, cold)) {                                                                    \
+                std::ostringstream orvLogStream_;                                                                      \
+                orvLogStream_ << text;                                                                                 \
+                orvLogger_->logError(::orv::utils::errorType, __FILE__, __LINE__, orvLogStream_.str().c_str());        \
+            }();                                                                                                       \
         }                                                                                                              \
     } while (0)
 
