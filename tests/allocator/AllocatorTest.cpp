@@ -87,3 +87,56 @@ TEST(Allocator, StandardContainersAndThreadsShareIt)
     }
     EXPECT_EQ(Allocator::instance().getLiveBlockCount(), blocks);
 }
+
+TEST(Allocator, KeepsReleasedBlocksOfOneSizeForTheNextRequestsUpToItsLimit)
+{
+    Allocator& allocator = Allocator::instance();
+    allocator.setBlockTracking(false);
+    allocator.releaseCachedBlocks();
+    const std::size_t blocks = allocator.getLiveBlockCount();
+
+    // Blocks of a cached size come back, newest first, without counting as live.
+    std::vector<void*> made;
+    for (int i = 0; i < 4; ++i) {
+        made.push_back(allocator.allocate(2048));
+    }
+    for (void* block : made) {
+        allocator.deallocate(block);
+    }
+    EXPECT_EQ(allocator.getCachedByteCount(), 4u * 2048);
+    EXPECT_EQ(allocator.getLiveBlockCount(), blocks);
+    void* again = allocator.allocate(2048);
+    EXPECT_EQ(again, made.back());
+    EXPECT_EQ(allocator.getCachedByteCount(), 3u * 2048);
+    // Other sizes, small or large, neither take from the cache nor go into it.
+    allocator.deallocate(allocator.allocate(100));
+    allocator.deallocate(allocator.allocate(1 << 20));
+    EXPECT_EQ(allocator.getCachedByteCount(), 3u * 2048);
+
+    // Sizes met once give their bins up to the sizes that keep coming: after many one-off sizes,
+    // the 2048-byte blocks are still kept.
+    for (std::size_t size = 1024; size < 1024 + 64 * 16; size += 16) {
+        allocator.deallocate(allocator.allocate(size));
+    }
+    allocator.deallocate(again);
+    EXPECT_GE(allocator.getCachedByteCount(), 2048u);
+    EXPECT_EQ(allocator.allocate(2048), again);
+
+    // A limit below what is kept empties the cache; past the limit, releases go to the system.
+    allocator.setCacheLimit(4096);
+    EXPECT_EQ(allocator.getCachedByteCount(), 0u);
+    std::vector<void*> more;
+    for (int i = 0; i < 3; ++i) {
+        more.push_back(allocator.allocate(2048));
+    }
+    for (void* block : more) {
+        allocator.deallocate(block);
+    }
+    EXPECT_EQ(allocator.getCachedByteCount(), 4096u);
+    allocator.deallocate(again);
+    allocator.setCacheLimit(std::size_t(64) << 20);
+    allocator.releaseCachedBlocks();
+    EXPECT_EQ(allocator.getCachedByteCount(), 0u);
+    EXPECT_EQ(allocator.getLiveBlockCount(), blocks);
+    allocator.setBlockTracking(true);
+}
