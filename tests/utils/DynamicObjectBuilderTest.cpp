@@ -190,10 +190,10 @@ public:
     {
         return scalar([this, v, n](unsigned int p) { object_.setString(p, v, n); });
     }
-    bool beginObject() override { return begin(utils::type::object); }
-    bool beginArray() override { return begin(utils::type::array); }
-    bool endObject() override { return end(); }
-    bool endArray() override { return end(); }
+    bool beginObject() override { return open(utils::type::object); }
+    bool beginArray() override { return open(utils::type::array); }
+    bool endObject() override { return close(); }
+    bool endArray() override { return close(); }
     using AbstractObjectBuilder::objectChild;
     bool objectChild(const char* key, unsigned int size) override
     {
@@ -213,9 +213,9 @@ private:
     bool scalar(Store store)
     {
         store(stack_.back());
-        return end();
+        return close();
     }
-    bool begin(utils::type::Type type)
+    bool open(utils::type::Type type)
     {
         const utils::type::Type stored = object_.getType(stack_.back());
         if (stored != utils::type::null && stored != type) {
@@ -223,7 +223,7 @@ private:
         }
         return true;
     }
-    bool end()
+    bool close()
     {
         stack_.pop_back();
         return true;
