@@ -1,6 +1,7 @@
 #include <orv/allocator/Allocator.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -61,7 +62,12 @@ constexpr std::size_t cachedMaximum = 64 * 1024;
 constexpr std::size_t cacheBinCount = 8;
 constexpr std::size_t defaultCacheLimit = 64 * 1024 * 1024;
 
-/// Cached blocks of one size, linked through their first word.
+/// A cached block is linked to the next through the flags word of its header, which stays readable
+/// while the rest of the block is poisoned for the address checker: its leak scan must see the
+/// whole chain.
+constexpr std::size_t cacheLinkOffset = offsetof(Prefix, flags);
+
+/// Cached blocks of one size, linked through their headers.
 struct CacheBin {
     std::size_t size;
     std::size_t count;
@@ -93,7 +99,7 @@ void emptyBin(State& s, CacheBin& bin)
     while (bin.head != nullptr) {
         unsigned char* raw = static_cast<unsigned char*>(bin.head);
         ORV_ALLOCATOR_UNPOISON(raw + untrackedHeader, bin.size);
-        std::memcpy(&bin.head, raw + untrackedHeader, sizeof(void*));
+        std::memcpy(&bin.head, raw + cacheLinkOffset, sizeof(void*));
         std::free(raw);
     }
     s.cachedBytes -= bin.count * bin.size;
@@ -108,7 +114,7 @@ unsigned char* takeCached(State& s, std::size_t size)
         if (bin.size == size && bin.head != nullptr) {
             unsigned char* raw = static_cast<unsigned char*>(bin.head);
             ORV_ALLOCATOR_UNPOISON(raw + untrackedHeader, size);
-            std::memcpy(&bin.head, raw + untrackedHeader, sizeof(void*));
+            std::memcpy(&bin.head, raw + cacheLinkOffset, sizeof(void*));
             --bin.count;
             s.cachedBytes -= size;
             return raw;
@@ -140,7 +146,7 @@ bool keepCached(State& s, unsigned char* raw, std::size_t size)
         emptyBin(s, *target);
         target->size = size;
     }
-    std::memcpy(raw + untrackedHeader, &target->head, sizeof(void*));
+    std::memcpy(raw + cacheLinkOffset, &target->head, sizeof(void*));
     target->head = raw;
     ++target->count;
     s.cachedBytes += size;

@@ -348,6 +348,9 @@ private:
         /// this one takes the same way down to the matched node and goes on past it.
         unsigned int bound[depth] = {};
         signed char boundCharacter[depth] = {};
+        /// The value node of the property that the last insertion made, still null; null when it
+        /// made none.
+        Node* madeValue = nullptr;
     };
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
                       unsigned int& valueIndex, KeyPlace* place, InsertionTrail* trail = nullptr);

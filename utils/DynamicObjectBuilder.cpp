@@ -3,6 +3,7 @@
 #include <orv/utils/AbstractPropertyParser.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/DynamicObject.h>
+#include <orv/utils/StringTable.h>
 #include <orv/utils/details/Logging.h>
 #include <orv/utils/impl/DynamicObjectHelpers.h>
 
@@ -20,6 +21,9 @@ DynamicObjectBuilder::DynamicObjectBuilder(DynamicObject& object, unsigned int p
     , types_()
     , object_(object)
     , trails_()
+    , freshValue_(nullptr)
+    , freshProperty_(0)
+    , freshStamp_(0)
 {
     const unsigned int start = property != 0 ? property : object.getRoot();
     properties_.push_back(start);
@@ -33,6 +37,28 @@ DynamicObject::InsertionTrail& DynamicObjectBuilder::currentTrail()
         trails_.resize(depth);
     }
     return trails_[depth - 1];
+}
+
+void DynamicObjectBuilder::pushChild(unsigned int child, const DynamicObject::InsertionTrail& trail)
+{
+    properties_.push_back(child);
+    types_.push_back(type::null);
+    freshValue_ = trail.madeValue;
+    freshProperty_ = child;
+    freshStamp_ = object_.shapeStamp_;
+}
+
+DynamicObject::Node* DynamicObjectBuilder::takeFreshValue()
+{
+    DynamicObject::Node* value = freshValue_;
+    freshValue_ = nullptr;
+    if (value == nullptr || properties_.empty() || properties_.back() != freshProperty_ || types_.size() != properties_.size()
+        || types_.back() != type::null || !object_.listeners_.empty() || object_.shapeStamp_ != freshStamp_) {
+        return nullptr;
+    }
+    properties_.pop_back();
+    types_.pop_back();
+    return value;
 }
 
 bool DynamicObjectBuilder::beginProperty(type::Type type)
@@ -76,6 +102,10 @@ unsigned int DynamicObjectBuilder::currentForScalar(type::Type type)
 
 bool DynamicObjectBuilder::null()
 {
+    if (takeFreshValue() != nullptr) {
+        // A fresh value is a null already.
+        return true;
+    }
     const unsigned int property = currentForScalar(type::null);
     if (property != 0) {
         object_.resetProperty(property);
@@ -86,6 +116,11 @@ bool DynamicObjectBuilder::null()
 
 bool DynamicObjectBuilder::boolean(bool value)
 {
+    if (DynamicObject::Node* fresh = takeFreshValue()) {
+        fresh->value.type = type::boolean;
+        fresh->setPayload(value ? 1 : 0);
+        return true;
+    }
     const unsigned int property = currentForScalar(type::boolean);
     if (property != 0) {
         object_.setBool(property, value);
@@ -96,6 +131,11 @@ bool DynamicObjectBuilder::boolean(bool value)
 
 bool DynamicObjectBuilder::integer(long long value)
 {
+    if (DynamicObject::Node* fresh = takeFreshValue()) {
+        fresh->value.type = type::integer;
+        fresh->setInteger(value);
+        return true;
+    }
     const unsigned int property = currentForScalar(type::integer);
     if (property != 0) {
         object_.setInt(property, value);
@@ -106,6 +146,11 @@ bool DynamicObjectBuilder::integer(long long value)
 
 bool DynamicObjectBuilder::real(double value)
 {
+    if (DynamicObject::Node* fresh = takeFreshValue()) {
+        fresh->value.type = type::real;
+        fresh->setReal(value);
+        return true;
+    }
     const unsigned int property = currentForScalar(type::real);
     if (property != 0) {
         object_.setReal(property, value);
@@ -116,6 +161,12 @@ bool DynamicObjectBuilder::real(double value)
 
 bool DynamicObjectBuilder::string(const char* value, unsigned int size)
 {
+    DynamicObject::Node* fresh = value != nullptr ? takeFreshValue() : nullptr;
+    if (fresh != nullptr) {
+        fresh->value.type = type::string;
+        fresh->setPayload(object_.stringTable_->add(value, size, nullptr));
+        return true;
+    }
     const unsigned int property = currentForScalar(type::string);
     if (property != 0) {
         object_.setString(property, value, size);
@@ -174,10 +225,10 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
     // checks the parent is an object (or still null) and the key is sound, which is all that
     // addChild asserts before it adds.
     const bool refused = key != nullptr && !checkPropertyKey(key, size);
-    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &currentTrail());
+    DynamicObject::InsertionTrail& trail = currentTrail();
+    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &trail);
     if (child != 0) {
-        properties_.push_back(child);
-        types_.push_back(type::null);
+        pushChild(child, trail);
         return true;
     }
     if (logger_ != nullptr) {
@@ -218,14 +269,14 @@ bool DynamicObjectBuilder::arrayChild()
                                            << ".");
         return false;
     }
-    const unsigned int element = object_.appendElement(array, &currentTrail());
+    DynamicObject::InsertionTrail& trail = currentTrail();
+    const unsigned int element = object_.appendElement(array, &trail);
     if (element == 0) {
         ORV_LOG_ERROR(
             logger_, error::badAllocation, "The current array property (" << array << ") can't take another element.");
         return false;
     }
-    properties_.push_back(element);
-    types_.push_back(type::null);
+    pushChild(element, trail);
     return true;
 }
 

@@ -49,6 +49,14 @@ private:
     unsigned int currentForScalar(type::Type type);
     /// Where the last child of the container at the top of the stacks was added.
     DynamicObject::InsertionTrail& currentTrail();
+    /// Pushes a child just added to the container at the top, and remembers its value node if
+    /// the insertion made it.
+    void pushChild(unsigned int child, const DynamicObject::InsertionTrail& trail);
+    /// The value node of the top property when this builder has just made it and it is still
+    /// null, nothing listens to the object and no node was released since: a scalar is then stored
+    /// there directly, which is all that the store and the stack steps would come to. The property
+    /// is popped. Null otherwise, and the event takes the ordinary way.
+    DynamicObject::Node* takeFreshValue();
 
     Vector<unsigned int> properties_;
     Vector<type::Type> types_;
@@ -56,6 +64,9 @@ private:
     /// One per depth of the stacks: children come in document order, and the next key of a
     /// container mostly continues from where the last one was put.
     Vector<DynamicObject::InsertionTrail> trails_;
+    DynamicObject::Node* freshValue_;
+    unsigned int freshProperty_;
+    unsigned long long freshStamp_;
 };
 
 /// Sends `object` to `builder` as one document from its root; true only if every event was accepted.

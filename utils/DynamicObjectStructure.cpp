@@ -38,6 +38,9 @@ unsigned int DynamicObject::findChildrenStart(unsigned int parent) const
 unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, unsigned int length,
                                        InsertionTrail* trail)
 {
+    if (trail != nullptr) {
+        trail->madeValue = nullptr;
+    }
     if (!checkKey(key)) {
         return 0;
     }

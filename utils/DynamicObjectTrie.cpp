@@ -212,6 +212,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
     // The characters that the recorded key already has.
     unsigned int kept = 0;
     if (trail != nullptr) {
+        trail->madeValue = nullptr;
         if (trail->start == start && trail->stamp == shapeStamp_) {
             position = followTrail(*trail, key, length, startLink, link, firstLink, bound, boundCharacter);
             kept = position;
@@ -320,6 +321,9 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         endOfKey->trie.equal = index;
         valueIndex = index;
         added = true;
+        if (trail != nullptr) {
+            trail->madeValue = value;
+        }
     } else {
         valueIndex = endOfKey->trie.equal;
         value = getNode(valueIndex);
