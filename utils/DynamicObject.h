@@ -293,7 +293,15 @@ private:
         return node;
     }
     Node* allocateNodeFromStore(char splitChar, unsigned int& index);
-    Node* allocateValueNode(unsigned int& index);
+    Node* allocateValueNode(unsigned int& index)
+    {
+        Node* node = allocateNode(0, index);
+        if (node != nullptr) {
+            node->value.isValue = 1;
+            node->value.type = type::null;
+        }
+        return node;
+    }
     void deallocateNode(Node* node, unsigned int index);
     Node* findNode(unsigned int start, const char* key, unsigned int length, bool toProperty,
                    unsigned int& index) const;
@@ -401,7 +409,20 @@ private:
     /// Records that a walk from `stand` over `piece` goes on from `target`, the child just made
     /// being one of `count` under that stand; the level is indexed once it is worth it.
     void indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
-                    unsigned long long count);
+                    unsigned long long count)
+    {
+        // Until some level is worth it there is no index: a small level of short names is passed
+        // over here, as indexLevelOfChild would pass it over.
+        if (index_ == nullptr && stand != root_ && count < indexedChildCount && length < indexedNameLength) {
+            return;
+        }
+        indexLevelOfChild(stand, piece, length, target, count);
+    }
+    void indexLevelOfChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                           unsigned long long count);
+    // The thresholds of the side index (impl::DynamicObjectIndex), for the test above.
+    static constexpr unsigned int indexedChildCount = 32;
+    static constexpr unsigned int indexedNameLength = 4;
     /// Takes out the shortcut of a child about to be erased.
     void forgetChild(unsigned int stand, const char* piece, unsigned int length);
     /// Records the shortcuts of every child under `stand`, and marks the level as indexed.

@@ -51,16 +51,6 @@ DynamicObject::Node* DynamicObject::allocateNodeFromStore(char splitChar, unsign
     return node;
 }
 
-DynamicObject::Node* DynamicObject::allocateValueNode(unsigned int& index)
-{
-    Node* node = allocateNode(0, index);
-    if (node != nullptr) {
-        node->value.isValue = 1;
-        node->value.type = type::null;
-    }
-    return node;
-}
-
 void DynamicObject::deallocateNode(Node* node, unsigned int index)
 {
     ++shapeStamp_;
@@ -181,6 +171,38 @@ DynamicObject::Node* DynamicObject::findValueNode(unsigned int start, const char
         valueIndex = 0;
     }
     return value;
+}
+
+// Once per insertion, in the middle of the walk: kept inline there.
+inline unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
+                                       unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
+                                       unsigned int& bound, signed char& boundCharacter)
+{
+    const unsigned int shared = length < trail.length ? length : trail.length;
+    unsigned int position = 0;
+    while (position < shared && key[position] == trail.text[position]) {
+        ++position;
+    }
+    // The recorded nodes of the shared characters are this key's too.
+    if (position != 0) {
+        link = &trail.matchedNode[position - 1]->trie.equal;
+        firstLink = &trail.matchedNode[0]->trie.equal;
+    } else {
+        link = &startLink;
+    }
+    if (position < shared) {
+        // A character above the recorded one, and below every node that the recorded one went
+        // below, follows the recorded way to the matched node and then goes above it. Anything else
+        // walks its level from the top.
+        const signed char c = static_cast<signed char>(key[position]);
+        const signed char recorded = static_cast<signed char>(trail.text[position]);
+        if (c > recorded && (trail.bound[position] == 0 || c < trail.boundCharacter[position])) {
+            link = &trail.matchedNode[position]->trie.greater;
+            bound = trail.bound[position];
+            boundCharacter = trail.boundCharacter[position];
+        }
+    }
+    return position;
 }
 
 DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* key, unsigned int length,
@@ -341,37 +363,6 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         listener.afterAddProperty(key, length, endOfKeyIndex);
     });
     return value;
-}
-
-unsigned int DynamicObject::followTrail(const InsertionTrail& trail, const char* key, unsigned int length,
-                                       unsigned int& startLink, unsigned int*& link, unsigned int*& firstLink,
-                                       unsigned int& bound, signed char& boundCharacter)
-{
-    const unsigned int shared = length < trail.length ? length : trail.length;
-    unsigned int position = 0;
-    while (position < shared && key[position] == trail.text[position]) {
-        ++position;
-    }
-    // The recorded nodes of the shared characters are this key's too.
-    if (position != 0) {
-        link = &trail.matchedNode[position - 1]->trie.equal;
-        firstLink = &trail.matchedNode[0]->trie.equal;
-    } else {
-        link = &startLink;
-    }
-    if (position < shared) {
-        // A character above the recorded one, and below every node that the recorded one went
-        // below, follows the recorded way to the matched node and then goes above it. Anything else
-        // walks its level from the top.
-        const signed char c = static_cast<signed char>(key[position]);
-        const signed char recorded = static_cast<signed char>(trail.text[position]);
-        if (c > recorded && (trail.bound[position] == 0 || c < trail.boundCharacter[position])) {
-            link = &trail.matchedNode[position]->trie.greater;
-            bound = trail.bound[position];
-            boundCharacter = trail.boundCharacter[position];
-        }
-    }
-    return position;
 }
 
 bool DynamicObject::eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed)
@@ -537,9 +528,12 @@ unsigned int unpackPiece(unsigned long long piece, char* text)
 
 } // namespace
 
-void DynamicObject::indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
-                               unsigned long long count)
+void DynamicObject::indexLevelOfChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                                      unsigned long long count)
 {
+    static_assert(indexedChildCount == DynamicObjectIndex::indexedChildCount &&
+                      indexedNameLength == DynamicObjectIndex::indexedNameLength,
+                  "the quick test of indexChild follows the index's thresholds");
     if (stand == 0 || target == 0) {
         return;
     }
