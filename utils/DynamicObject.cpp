@@ -731,13 +731,19 @@ void DynamicObject::retrieve(const char* key, unsigned int length, DynamicObject
     retrieve(checkKey(key) ? getProperty(key, length) : 0, target);
 }
 
-unsigned int DynamicObject::appendElement(unsigned int array, InsertionTrail* trail)
+unsigned int DynamicObject::appendElement(unsigned int array, InsertionTrail* trail, bool& full)
 {
+    full = false;
     Node* value = findValueNodeAsserts(array);
     if (value == nullptr) {
         return 0;
     }
     const unsigned int count = value->value.type == type::array ? static_cast<unsigned int>(value->getPayload()) : 0;
+    // An index has at most maximumArrayIndexLength digits, which bounds the element count.
+    if (count >= maximumArraySize) {
+        full = true;
+        return 0;
+    }
     const unsigned int element = addElement(array, count, trail);
     if (element == 0) {
         return 0;

@@ -383,8 +383,9 @@ private:
     /// Where the keys of `parent`'s children start: the root itself, or the node after the
     /// parent's `.`; 0 when the parent has no child.
     unsigned int findChildrenStart(unsigned int parent) const;
+    /// `scanned` says that the caller has made sure that the key holds no byte 0.
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
-                            InsertionTrail* trail = nullptr);
+                            InsertionTrail* trail = nullptr, bool scanned = false);
     /// The value node of a property for an operation that needs one; "Invalid property" otherwise.
     Node* findValueNodeAsserts(unsigned int property) const
     {
@@ -397,7 +398,8 @@ private:
     /// Appends a null element to an array (or a null property, which becomes one) and returns its
     /// handle, 0 when no node is left. Unlike resize this reaches the last of maximumArraySize
     /// elements, which a builder fills from a document.
-    unsigned int appendElement(unsigned int array, InsertionTrail* trail = nullptr);
+    /// `full` tells a refusal of an array that has all its elements already, which adds nothing.
+    unsigned int appendElement(unsigned int array, InsertionTrail* trail, bool& full);
     /// Adds the nodes of the element at `index` of `array`, with its shortcut, and returns its
     /// handle; 0 when no node is left. The array's count is the caller's to set.
     unsigned int addElement(unsigned int array, unsigned int index, InsertionTrail* trail = nullptr);

@@ -1,6 +1,5 @@
 #include <orv/utils/DynamicObjectBuilder.h>
 
-#include <orv/utils/AbstractPropertyParser.h>
 #include <orv/utils/Assertion.h>
 #include <orv/utils/DynamicObject.h>
 #include <orv/utils/StringTable.h>
@@ -224,9 +223,14 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
     // here, where the producer learns of it, instead of failing addChild's contract. Past these
     // checks the parent is an object (or still null) and the key is sound, which is all that
     // addChild asserts before it adds.
-    const bool refused = key != nullptr && !checkPropertyKey(key, size);
+    // One pass over the key looks for the separators and for byte 0, which no stored key holds.
+    bool refused = key != nullptr && size == 0;
+    for (unsigned int i = 0; key != nullptr && i < size && !refused; ++i) {
+        const char c = key[i];
+        refused = c == '.' || c == '[' || c == ']' || c == '\0';
+    }
     DynamicObject::InsertionTrail& trail = currentTrail();
-    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &trail);
+    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &trail, true);
     if (child != 0) {
         pushChild(child, trail);
         return true;
@@ -262,15 +266,15 @@ bool DynamicObjectBuilder::arrayChild()
         return false;
     }
     const unsigned int array = properties_.back();
-    // An index has at most maximumArrayIndexLength digits, which bounds the element count.
-    if (object_.countChildren(array) >= DynamicObject::maximumArraySize) {
+    DynamicObject::InsertionTrail& trail = currentTrail();
+    bool full = false;
+    const unsigned int element = object_.appendElement(array, &trail, full);
+    if (full) {
         ORV_LOG_ERROR(logger_, error::invalidOperation,
             "The current array property (" << array << ") reached its maximum size: " << DynamicObject::maximumArraySize
                                            << ".");
         return false;
     }
-    DynamicObject::InsertionTrail& trail = currentTrail();
-    const unsigned int element = object_.appendElement(array, &trail);
     if (element == 0) {
         ORV_LOG_ERROR(
             logger_, error::badAllocation, "The current array property (" << array << ") can't take another element.");

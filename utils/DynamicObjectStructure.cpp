@@ -36,7 +36,7 @@ unsigned int DynamicObject::findChildrenStart(unsigned int parent) const
 // Children by key.
 
 unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, unsigned int length,
-                                       InsertionTrail* trail)
+                                       InsertionTrail* trail, bool scanned)
 {
     if (trail != nullptr) {
         trail->madeValue = nullptr;
@@ -49,7 +49,7 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
     }
     // Byte 0 marks the end of a key in the trie, so no stored key can hold one; a name that does
     // (a path or key from outside) names nothing that could be added.
-    if (std::memchr(key, 0, length) != nullptr) {
+    if (!scanned && std::memchr(key, 0, length) != nullptr) {
         return 0;
     }
     bool added = false;
