@@ -383,6 +383,18 @@ private:
     /// Where the keys of `parent`'s children start: the root itself, or the node after the
     /// parent's `.`; 0 when the parent has no child.
     unsigned int findChildrenStart(unsigned int parent) const;
+    // eraseChild by key, in the two halves around the reset of the child, so that a reset of
+    // nested children can run them from its own stack.
+    /// The child named `key`, 0 if there is none with a value.
+    unsigned int findChildToErase(unsigned int parent, const char* key, unsigned int length) const;
+    /// Takes the nodes of an emptied child out of the trie and counts it out of its parent.
+    void finishErasingChild(unsigned int parent, const char* key, unsigned int length);
+    struct ResetFrame;
+    /// Starts the reset of a property (the listeners hear of it) and pushes it.
+    void beginReset(unsigned int property, Vector<ResetFrame>& stack);
+    /// The next child of a property under reset to reset and erase, 0 when there is none (or, for
+    /// an array, a missing element, with `pending` set).
+    unsigned int nextChildToReset(ResetFrame& frame);
     /// `scanned` says that the caller has made sure that the key holds no byte 0.
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
                             InsertionTrail* trail = nullptr, bool scanned = false);

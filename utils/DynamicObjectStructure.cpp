@@ -145,23 +145,25 @@ unsigned int DynamicObject::addChild(const char* parentKey, unsigned int parentL
     return addChild(getPropertyAsserts(parentKey, parentLength), key, length);
 }
 
-bool DynamicObject::eraseChild(unsigned int parent, const char* key, unsigned int length)
+unsigned int DynamicObject::findChildToErase(unsigned int parent, const char* key, unsigned int length) const
 {
-    if (!checkKey(key)) {
-        return false;
+    const bool isRoot = parent == root_;
+    const impl::DottedKey dotted(key, isRoot ? 0 : length);
+    unsigned int child;
+    unsigned int valueIndex;
+    if (findValueNode(findNode(parent, isRoot ? key : dotted.text(), isRoot ? length : dotted.length(), true, child),
+                      valueIndex) == nullptr) {
+        return 0;
     }
+    return child;
+}
+
+void DynamicObject::finishErasingChild(unsigned int parent, const char* key, unsigned int length)
+{
     const bool isRoot = parent == root_;
     const impl::DottedKey dotted(key, isRoot ? 0 : length);
     const char* fullKey = isRoot ? key : dotted.text();
     const unsigned int fullLength = isRoot ? length : dotted.length();
-
-    unsigned int child;
-    unsigned int valueIndex;
-    if (findValueNode(findNode(parent, fullKey, fullLength, true, child), valueIndex) == nullptr) {
-        return false;
-    }
-    // An end-of-key node is kept alive by its children: they go first.
-    resetProperty(child);
     // A key with a separator reaches below the parent's children, to a property whose shortcut
     // belongs to another level: the index is then made afresh.
     const bool reachesBelow = std::memchr(key, '.', length) != nullptr || std::memchr(key, '[', length) != nullptr;
@@ -181,6 +183,20 @@ bool DynamicObject::eraseChild(unsigned int parent, const char* key, unsigned in
             parentValue->value.type = type::null;
         }
     }
+}
+
+bool DynamicObject::eraseChild(unsigned int parent, const char* key, unsigned int length)
+{
+    if (!checkKey(key)) {
+        return false;
+    }
+    const unsigned int child = findChildToErase(parent, key, length);
+    if (child == 0) {
+        return false;
+    }
+    // An end-of-key node is kept alive by its children: they go first.
+    resetProperty(child);
+    finishErasingChild(parent, key, length);
     return true;
 }
 
@@ -415,34 +431,129 @@ bool DynamicObject::resize(const char* key, unsigned int length, unsigned int ne
     return resize(getPropertyAsserts(key, length), newSize);
 }
 
-void DynamicObject::resetProperty(unsigned int property)
+/// One property whose reset is under way: an array losing its elements from the last, or an
+/// object losing its children in the order of its children walk. While the reset of one of them
+/// runs, `pending` says that its erase is to be finished when that reset is.
+struct DynamicObject::ResetFrame {
+    unsigned int property;
+    /// Whether the property had a value node at the start: only then is it cleared at the end.
+    bool hadValue;
+    /// type::array or type::object for a property with children to erase, else type::null.
+    type::Type kind;
+    bool pending;
+    /// Arrays: the elements left, the node behind `[`, and the key of the element being erased.
+    unsigned int elementsLeft;
+    unsigned int elements;
+    char key[arrayKeyCapacity];
+    unsigned int keyLength;
+    /// Objects: the walk that names the next child, and the number of children erased so far.
+    impl::DynamicObjectPropertyChildrenIterator* children;
+    std::size_t erased;
+};
+
+void DynamicObject::beginReset(unsigned int property, Vector<ResetFrame>& stack)
 {
     notify([](AbstractDynamicObjectListener& listener) { listener.beforeResetProperty(); });
+    ResetFrame frame{property, false, type::null, false, 0, 0, {}, 0, nullptr, 0};
     Node* value = property != 0 ? findValueNodeAsserts(property) : nullptr;
-    if (value != nullptr) {
-        if (value->value.type == type::array) {
-            resize(property, 0);
-        } else if (value->value.type == type::object) {
-            impl::DynamicObjectPropertyChildrenIterator children(*this, property);
-            while (countChildren(property) > 0) {
-                children.restart();
-                do {
-                    children.next();
-                } while (!children.end() && children.getKeyLength() == 0);
-                // A key that extends this property's own text (`a-x` beside `a`) is walked as if it
-                // were a child but cannot be erased as one: stop rather than try it for ever.
-                if (children.end() || !eraseChild(property, children.getKey(), children.getKeyLength())) {
-                    break;
-                }
-            }
-        }
+    frame.hadValue = value != nullptr;
+    if (value != nullptr && value->value.type == type::array) {
+        // What resize(property, 0) does before it erases the elements, last first.
+        ORV_CHECK(isTypeCompatible(property, type::array), "Can't resize a property that is not an array.");
+        const unsigned int count = countChildren(property);
         value = findValueNode(property);
-        if (value != nullptr) {
+        if (value != nullptr && count != 0) {
             value->setPayload(0);
             value->value.type = type::null;
+            findNode(property, "[", 1, false, frame.elements);
+            frame.kind = type::array;
+            frame.elementsLeft = count;
+        }
+    } else if (value != nullptr && value->value.type == type::object) {
+        frame.kind = type::object;
+        frame.children = ORV_NEW(impl::DynamicObjectPropertyChildrenIterator)(*this, property);
+    }
+    stack.push_back(frame);
+}
+
+unsigned int DynamicObject::nextChildToReset(ResetFrame& frame)
+{
+    if (frame.kind == type::array) {
+        if (frame.elementsLeft == 0) {
+            return 0;
+        }
+        --frame.elementsLeft;
+        frame.keyLength = formatArrayKey(frame.elementsLeft, frame.key);
+        unsigned int element;
+        findNode(frame.property, frame.key, frame.keyLength, true, element);
+        // Even a missing element is reset, as a handle 0, as resize does.
+        frame.pending = true;
+        return element;
+    }
+    if (frame.kind != type::object || frame.children == nullptr || countChildren(frame.property) == 0) {
+        return 0;
+    }
+    // Each erase frees nodes of its own: more erases than nodes come from counts or links that
+    // lie, in a loaded blob.
+    if (++frame.erased > blocks_.size() * nodeAllocator_->getBlockSize() && !checkNesting(frame.erased, 0)) {
+        return 0;
+    }
+    impl::DynamicObjectPropertyChildrenIterator& children = *frame.children;
+    children.restart();
+    do {
+        children.next();
+    } while (!children.end() && children.getKeyLength() == 0);
+    // A key that extends this property's own text (`a-x` beside `a`) is walked as if it were a child
+    // but cannot be erased as one: stop rather than try it for ever.
+    const unsigned int child = children.end() ? 0 : findChildToErase(frame.property, children.getKey(), children.getKeyLength());
+    frame.pending = child != 0;
+    return child;
+}
+
+void DynamicObject::resetProperty(unsigned int property)
+{
+    // Children go before their parent, and their children before them. The properties under reset
+    // are kept on a stack of their own rather than by recursion, since a document may nest as
+    // deep as it is long; in a loaded blob whose links loop the nesting has no end, and the reset
+    // stops after more levels than the object has nodes.
+    Vector<ResetFrame> stack;
+    beginReset(property, stack);
+    while (!stack.empty()) {
+        ResetFrame& frame = stack.back();
+        const unsigned int child = nextChildToReset(frame);
+        if (frame.pending) {
+            if (stack.size() > blocks_.size() * nodeAllocator_->getBlockSize() && !checkNesting(stack.size(), 0)) {
+                for (ResetFrame& open : stack) {
+                    ORV_DELETE(open.children);
+                }
+                return;
+            }
+            beginReset(child, stack);
+            continue;
+        }
+        // Every child is gone: the property is cleared, and the erase that its parent began ends.
+        const unsigned int done = frame.property;
+        if (frame.hadValue) {
+            Node* value = findValueNode(done);
+            if (value != nullptr) {
+                value->setPayload(0);
+                value->value.type = type::null;
+            }
+        }
+        ORV_DELETE(frame.children);
+        stack.pop_back();
+        notify([done](AbstractDynamicObjectListener& listener) { listener.afterResetProperty(done); });
+        if (!stack.empty()) {
+            ResetFrame& parent = stack.back();
+            parent.pending = false;
+            if (parent.kind == type::array) {
+                forgetChild(parent.elements, parent.key + 1, parent.keyLength - 1);
+                eraseProperty(parent.property, parent.key, parent.keyLength);
+            } else {
+                finishErasingChild(parent.property, parent.children->getKey(), parent.children->getKeyLength());
+            }
         }
     }
-    notify([property](AbstractDynamicObjectListener& listener) { listener.afterResetProperty(property); });
 }
 
 void DynamicObject::resetProperty(const char* key)

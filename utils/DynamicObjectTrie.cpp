@@ -367,35 +367,66 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
 
 bool DynamicObject::eraseProperty(unsigned int* link, const char* key, unsigned int length, bool& removed)
 {
-    Node* node = getNode(*link);
-    if (node == nullptr) {
-        return false;
+    // The walk down keeps the links it went through, and the way back frees every node that the
+    // removal left with no link at all; a node that still leads to another key stays, and so do
+    // all above it. The links are kept here rather than on the call stack: a long key or a long
+    // chain of siblings is as deep as it is long, and in a loaded blob whose links loop there is
+    // no end, so the walk stops after more steps than the object has nodes.
+    constexpr std::size_t localDepth = 64;
+    unsigned int* local[localDepth];
+    Vector<unsigned int*> deeper;
+    std::size_t depth = 0;
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->getBlockSize();
+    bool emptied = false;
+    for (;;) {
+        Node* node = getNode(*link);
+        if (node == nullptr) {
+            break;
+        }
+        if (node->isValueNode()) {
+            ORV_CHECK(length == 0, "Value node reached before the full exploration of the key.");
+            deallocateNode(node, *link);
+            *link = 0;
+            removed = true;
+            emptied = true;
+            break;
+        }
+        if (depth >= nodeCount && !checkNesting(depth, 0)) {
+            break;
+        }
+        if (depth < localDepth) {
+            local[depth] = link;
+        } else {
+            deeper.push_back(link);
+        }
+        ++depth;
+        // Character 0 past the end of the key finds the end-of-key node. It does not find one that
+        // was placed under a negative character, which lies on a smaller link: that property stays.
+        const signed char c = length != 0 ? static_cast<signed char>(key[0]) : 0;
+        if (c < node->trie.splitChar) {
+            link = &node->trie.less;
+        } else if (c == node->trie.splitChar) {
+            link = &node->trie.equal;
+            if (length != 0) {
+                ++key;
+                --length;
+            }
+        } else {
+            link = &node->trie.greater;
+        }
     }
-    if (node->isValueNode()) {
-        ORV_CHECK(length == 0, "Value node reached before the full exploration of the key.");
-        deallocateNode(node, *link);
-        *link = 0;
-        removed = true;
-        return true;
+    while (emptied && depth != 0) {
+        --depth;
+        unsigned int* up = depth < localDepth ? local[depth] : deeper[depth - localDepth];
+        Node* node = getNode(*up);
+        if (node->trie.less != 0 || node->trie.equal != 0 || node->trie.greater != 0) {
+            emptied = false;
+        } else {
+            deallocateNode(node, *up);
+            *up = 0;
+        }
     }
-    // Character 0 past the end of the key finds the end-of-key node. It does not find one that was
-    // placed under a negative character, which lies on a smaller link: that property stays.
-    const signed char c = length != 0 ? static_cast<signed char>(key[0]) : 0;
-    bool emptied;
-    if (c < node->trie.splitChar) {
-        emptied = eraseProperty(&node->trie.less, key, length, removed);
-    } else if (c == node->trie.splitChar) {
-        emptied = length != 0 ? eraseProperty(&node->trie.equal, key + 1, length - 1, removed)
-                              : eraseProperty(&node->trie.equal, key, 0, removed);
-    } else {
-        emptied = eraseProperty(&node->trie.greater, key, length, removed);
-    }
-    if (emptied && node->trie.less == 0 && node->trie.equal == 0 && node->trie.greater == 0) {
-        deallocateNode(node, *link);
-        *link = 0;
-        return true;
-    }
-    return false;
+    return emptied;
 }
 
 bool DynamicObject::eraseProperty(unsigned int property, const char* key, unsigned int length)

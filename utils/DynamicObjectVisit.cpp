@@ -204,59 +204,94 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
 
 bool DynamicObject::recursiveVisitTrie(unsigned int index, AbstractObjectBuilder& builder) const
 {
-    const Node* node = getNode(index);
-    if (node == nullptr) {
-        return builder.null();
-    }
-    if (!builder.beginObject() || !builder.objectChild("handle", 6) || !builder.integer(index)) {
+    // A trie node is an object with its handle and one member per link, equal (named by the split
+    // character), greater and less; a value node has its handle and its value. The nodes are
+    // written from a stack of their own, not by recursion: a long chain of siblings is as deep as
+    // it is long. Each node of a sound trie is met once, so more nodes than the object has, or a
+    // deeper stack, come from links that loop in a loaded blob, and the dump stops there.
+    struct Frame {
+        unsigned int links[3];
+        char splitChar;
+        int next;
+    };
+    Vector<Frame> stack;
+    const std::size_t nodeCount = blocks_.size() * nodeAllocator_->getBlockSize();
+    std::size_t opened = 0;
+    // Writes a node, or its opening when it has links to follow: 1 for a node left open, 0 for a
+    // node written whole, -1 for a refusal.
+    const auto open = [&](unsigned int at) -> int {
+        const Node* node = getNode(at);
+        if (node == nullptr) {
+            return builder.null() ? 0 : -1;
+        }
+        if (++opened > nodeCount && !checkNesting(opened, 0)) {
+            return -1;
+        }
+        if (!builder.beginObject() || !builder.objectChild("handle", 6) || !builder.integer(at)) {
+            return -1;
+        }
+        if (!node->isValueNode()) {
+            // Copied out: the node may be reused while the builder runs.
+            stack.push_back(Frame{{node->trie.equal, node->trie.greater, node->trie.less},
+                                  static_cast<char>(node->trie.splitChar), 0});
+            return 1;
+        }
+        bool written = true;
+        switch (node->value.type) {
+        case type::null:
+            written = builder.objectChild("value", 5) && builder.null();
+            break;
+        case type::integer:
+            written = builder.objectChild("value", 5) && builder.integer(node->getInteger());
+            break;
+        case type::real:
+            written = builder.objectChild("value", 5) && builder.real(node->getReal());
+            break;
+        case type::string: {
+            const char* text = stringTable_->retrieve(node->getPayload(), "unknown string");
+            written = builder.objectChild("value", 5) &&
+                      builder.string(text, static_cast<unsigned int>(std::strlen(text)));
+            break;
+        }
+        case type::boolean:
+            written = builder.objectChild("value", 5) && builder.boolean(node->getPayload() != 0);
+            break;
+        case type::array:
+        case type::object:
+            written = builder.objectChild("children count", 14) &&
+                      builder.integer(static_cast<long long>(node->getPayload()));
+            break;
+        default:
+            // An unknown type writes nothing further.
+            break;
+        }
+        return written && builder.endObject() ? 0 : -1;
+    };
+    if (open(index) < 0) {
         return false;
     }
-    if (!node->isValueNode()) {
-        // Copied out: the node may be reused while the builder runs.
-        const char splitChar = static_cast<char>(node->trie.splitChar);
-        const unsigned int links[3] = {node->trie.equal, node->trie.greater, node->trie.less};
-        const char* const names[3] = {&splitChar, "greater", "less"};
-        const unsigned int lengths[3] = {1, 7, 4};
-        for (int i = 0; i < 3; ++i) {
-            if (!builder.objectChild(names[i], lengths[i])) {
+    static const char* const linkNames[3] = {nullptr, "greater", "less"};
+    static const unsigned int linkNameLengths[3] = {1, 7, 4};
+    while (!stack.empty()) {
+        Frame& frame = stack.back();
+        if (frame.next == 3) {
+            stack.pop_back();
+            if (!builder.endObject()) {
                 return false;
             }
-            if (!(links[i] != 0 ? recursiveVisitTrie(links[i], builder) : builder.null())) {
-                return false;
-            }
+            continue;
         }
-        return builder.endObject();
+        const int link = frame.next++;
+        const unsigned int target = frame.links[link];
+        if (!builder.objectChild(link == 0 ? &frame.splitChar : linkNames[link], linkNameLengths[link])) {
+            return false;
+        }
+        // The frame is not used past here: opening the target may move the stack.
+        if (target == 0 ? !builder.null() : open(target) < 0) {
+            return false;
+        }
     }
-    bool written = true;
-    switch (node->value.type) {
-    case type::null:
-        written = builder.objectChild("value", 5) && builder.null();
-        break;
-    case type::integer:
-        written = builder.objectChild("value", 5) && builder.integer(node->getInteger());
-        break;
-    case type::real:
-        written = builder.objectChild("value", 5) && builder.real(node->getReal());
-        break;
-    case type::string: {
-        const char* text = stringTable_->retrieve(node->getPayload(), "unknown string");
-        written = builder.objectChild("value", 5) &&
-                  builder.string(text, static_cast<unsigned int>(std::strlen(text)));
-        break;
-    }
-    case type::boolean:
-        written = builder.objectChild("value", 5) && builder.boolean(node->getPayload() != 0);
-        break;
-    case type::array:
-    case type::object:
-        written = builder.objectChild("children count", 14) &&
-                  builder.integer(static_cast<long long>(node->getPayload()));
-        break;
-    default:
-        // An unknown type writes nothing further.
-        break;
-    }
-    return written && builder.endObject();
+    return true;
 }
 
 } // namespace utils

@@ -310,6 +310,35 @@ TEST(DynamicObjectBuilder, LeavesTheNodesThatThePlainOperationsLeave)
     }
 }
 
+TEST(DynamicObjectBuilder, ADocumentNestedAsDeepAsItIsLongIsBuiltAndReplaced)
+{
+    // A later value under the same key resets the nested one: as deep as the document is long,
+    // which no call stack holds.
+    DynamicObject object;
+    DynamicObjectBuilder builder(object, 0);
+    RecordingListener listener;
+    const unsigned int depth = 200000;
+    ASSERT_TRUE(builder.begin() && builder.beginObject() && builder.objectChild("a"));
+    for (unsigned int level = 0; level < depth; ++level) {
+        ASSERT_TRUE(builder.beginArray() && builder.arrayChild());
+    }
+    ASSERT_TRUE(builder.integer(1));
+    for (unsigned int level = 0; level < depth; ++level) {
+        ASSERT_TRUE(builder.endArray());
+    }
+    EXPECT_EQ(object.getInt("a[0][0][0]", 0), 0);
+    EXPECT_EQ(object.getType("a[0][0]"), utils::type::array);
+    object.setListener(&listener);
+    ASSERT_TRUE(builder.objectChild("a") && builder.integer(2) && builder.endObject() && builder.end());
+    EXPECT_EQ(dump(object), R"({"a":2})");
+    // Every nested property was reset, the outermost first to start and last to end.
+    EXPECT_EQ(listener.events.size(), 2u * (depth + 1) + 4);
+    const std::string a = std::to_string(object.getProperty("a"));
+    EXPECT_EQ(listener.events[3], "beforeResetProperty");
+    EXPECT_EQ(listener.events[listener.events.size() - 2], "afterResetProperty(" + a + ")");
+    EXPECT_EQ(listener.events.back(), "afterSetInt(" + a + ",2)");
+}
+
 TEST(DynamicObjectRetrieve, RebuildsASubtreeInAnotherObject)
 {
     DynamicObject source;
