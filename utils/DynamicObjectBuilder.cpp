@@ -13,6 +13,19 @@ namespace {
 
 const char* const noCurrentProperty = "No current property.";
 
+/// The bytes that no child name may hold: the path separators, and 0, which ends keys in the trie.
+constexpr struct RefusedKeyBytes {
+    bool refused[256];
+    constexpr RefusedKeyBytes() : refused()
+    {
+        refused[0] = true;
+        refused[static_cast<unsigned char>('.')] = true;
+        refused[static_cast<unsigned char>('[')] = true;
+        refused[static_cast<unsigned char>(']')] = true;
+    }
+    constexpr bool operator[](unsigned char byte) const { return refused[byte]; }
+} isRefusedInKey;
+
 } // namespace
 
 DynamicObjectBuilder::DynamicObjectBuilder(DynamicObject& object, unsigned int property)
@@ -225,9 +238,11 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
     // addChild asserts before it adds.
     // One pass over the key looks for the separators and for byte 0, which no stored key holds.
     bool refused = key != nullptr && size == 0;
-    for (unsigned int i = 0; key != nullptr && i < size && !refused; ++i) {
-        const char c = key[i];
-        refused = c == '.' || c == '[' || c == ']' || c == '\0';
+    if (key != nullptr) {
+        const unsigned char* bytes = reinterpret_cast<const unsigned char*>(key);
+        for (unsigned int i = 0; i < size && !refused; ++i) {
+            refused = isRefusedInKey[bytes[i]];
+        }
     }
     DynamicObject::InsertionTrail& trail = currentTrail();
     const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &trail, true);

@@ -276,6 +276,40 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         position += equal ? 1 : 0;
     }
     const bool madeNodes = position < length;
+    // The rest of the key, its end and its value are all new. With no released slot waiting and
+    // room left in the last block, the one-by-one allocation below would hand out consecutive
+    // slots: they are cleared and linked here as one run.
+    Node* endOfKey = nullptr;
+    unsigned int endOfKeyIndex = 0;
+    const unsigned int blockSize = nodeAllocator_->blockSize_;
+    const unsigned int runLength = length - position + 2;
+    if (madeNodes && firstFreeNode_ == 0 && lastBlockUsed_ < blockSize && blockSize - lastBlockUsed_ >= runLength) {
+        const unsigned int slot = lastBlockUsed_;
+        lastBlockUsed_ += runLength;
+        const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
+        Node* run = blocks_.back() + slot;
+        std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
+        *link = first;
+        for (unsigned int i = 0; position < length; ++i, ++position) {
+            run[i].trie.splitChar = static_cast<signed char>(key[position]);
+            run[i].trie.equal = first + i + 1;
+            if (position == 0) {
+                firstLink = &run[i].trie.equal;
+            }
+            if (position < recorded) {
+                trail->matched[position] = first + i;
+                trail->matchedNode[position] = run + i;
+                trail->bound[position] = bound;
+                trail->boundCharacter[position] = boundCharacter;
+                bound = 0;
+            }
+        }
+        endOfKey = run + runLength - 2;
+        endOfKeyIndex = first + runLength - 2;
+        endOfKey->trie.equal = endOfKeyIndex + 1;
+        run[runLength - 1].value.isValue = 1;
+        run[runLength - 1].value.type = type::null;
+    }
     for (; position < length; ++position) {
         unsigned int index;
         Node* node = allocateNode(key[position], index);
@@ -305,11 +339,27 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         trail->start = start;
     }
     unsigned int* const levelLink = link;
+    if (endOfKey != nullptr) {
+        // Made with the run: the value node follows the end of the key.
+        property = endOfKeyIndex;
+        valueIndex = endOfKeyIndex + 1;
+        added = true;
+        Node* value = endOfKey + 1;
+        if (trail != nullptr) {
+            trail->madeValue = value;
+        }
+        if (place != nullptr) {
+            place->firstLevel = *firstLink;
+            place->level = endOfKeyIndex;
+        }
+        notify([key, length, endOfKeyIndex](AbstractDynamicObjectListener& listener) {
+            listener.afterAddProperty(key, length, endOfKeyIndex);
+        });
+        return value;
+    }
     // The end-of-key node sits at the bottom of the chain of smaller characters of its level,
     // whatever that chain holds: nothing is ever rebalanced. Below a character just made there is
     // nothing yet, and what was just written is not read back.
-    Node* endOfKey = nullptr;
-    unsigned int endOfKeyIndex = 0;
     while (!madeNodes && *link != 0) {
         Node* node = ++steps <= nodeCount || checkNesting(steps, 0) ? getNode(*link) : nullptr;
         if (node == nullptr || node->isValueNode()) {
