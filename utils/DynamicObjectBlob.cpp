@@ -176,8 +176,9 @@ bool DynamicObject::loadBlob(AbstractDataInputOutput& input, AbstractLogger* log
     for (; reused < held.size(); ++reused) {
         nodeAllocator_->deallocate(held[reused]);
     }
-    // The side index is not part of a blob: it is made again from the nodes.
-    rebuildIndex();
+    // The side index is not part of a blob, and making it again from the nodes would cost the load
+    // many times its copy: a loaded object starts without shortcuts (doClear dropped them), and
+    // its levels get theirs again as they change, as in an object built key by key.
     return true;
 }
 
