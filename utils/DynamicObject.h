@@ -392,6 +392,11 @@ private:
     struct ResetFrame;
     /// Starts the reset of a property (the listeners hear of it) and pushes it.
     void beginReset(unsigned int property, Vector<ResetFrame>& stack);
+    struct PutFrame;
+    /// Starts the copy of one source property into `property` (the listeners hear of it): a
+    /// scalar is stored and done, a container is pushed (true) for its children to follow.
+    bool beginPut(unsigned int property, const DynamicObject& other, unsigned int otherProperty,
+                  Vector<PutFrame>& stack);
     /// The next child of a property under reset to reset and erase, 0 when there is none (or, for
     /// an array, a missing element, with `pending` set).
     unsigned int nextChildToReset(ResetFrame& frame);

@@ -676,7 +676,19 @@ unsigned int DynamicObject::renameChild(unsigned int parent, const char* key, co
 
 // Copies of subtrees.
 
-void DynamicObject::put(unsigned int property, const DynamicObject& other, unsigned int otherProperty)
+/// One container being copied by put: its elements by position, or its children in the order of
+/// the source's children walk.
+struct DynamicObject::PutFrame {
+    unsigned int property;
+    unsigned int otherProperty;
+    type::Type kind;
+    unsigned int index;
+    unsigned int count;
+    impl::DynamicObjectPropertyChildrenIterator* children;
+};
+
+bool DynamicObject::beginPut(unsigned int property, const DynamicObject& other, unsigned int otherProperty,
+                             Vector<PutFrame>& stack)
 {
     notify([](AbstractDynamicObjectListener& listener) { listener.beforePut(); });
     const unsigned int sourceType = other.getType(otherProperty);
@@ -702,24 +714,69 @@ void DynamicObject::put(unsigned int property, const DynamicObject& other, unsig
     case type::array: {
         const unsigned int count = other.countChildren(otherProperty);
         resize(property, count);
-        for (unsigned int index = 0; index < count; ++index) {
-            put(getChild(property, index), other, other.getChild(otherProperty, index));
+        // More elements than an array can hold come from a count that lies, in a loaded blob.
+        if (count <= maximumArraySize || other.checkNesting(0, count)) {
+            stack.push_back(PutFrame{property, otherProperty, type::array, 0, count, nullptr});
+            return true;
         }
         break;
     }
-    case type::object: {
-        impl::DynamicObjectPropertyChildrenIterator children(other, otherProperty);
-        for (children.next(); !children.end(); children.next()) {
-            const unsigned int child = addChild(property, children.getKey(), children.getKeyLength());
-            put(child, other, children.getProperty());
-        }
-        break;
-    }
+    case type::object:
+        stack.push_back(PutFrame{property, otherProperty, type::object, 0, 0,
+                                 ORV_NEW(impl::DynamicObjectPropertyChildrenIterator)(other, otherProperty)});
+        return true;
     default:
         ORV_FAIL(sourceType << " is an unknown orv::utils::type");
         break;
     }
     notify([property](AbstractDynamicObjectListener& listener) { listener.afterPut(property); });
+    return false;
+}
+
+void DynamicObject::put(unsigned int property, const DynamicObject& other, unsigned int otherProperty)
+{
+    // Each container of the source is copied from a stack of its own rather than by recursion: a
+    // document may nest as deep as it is long. In a loaded source whose links loop there is no
+    // end, and the copy stops after more levels than the source has nodes.
+    Vector<PutFrame> stack;
+    beginPut(property, other, otherProperty, stack);
+    while (!stack.empty()) {
+        PutFrame& frame = stack.back();
+        unsigned int target = 0;
+        unsigned int source = 0;
+        bool more = false;
+        if (frame.kind == type::array) {
+            more = frame.index < frame.count;
+            if (more) {
+                target = getChild(frame.property, frame.index);
+                source = other.getChild(frame.otherProperty, frame.index);
+                ++frame.index;
+            }
+        } else {
+            // Past its first child the walk moves on only when that child's copy is complete.
+            frame.children->next();
+            more = !frame.children->end();
+            if (more) {
+                target = addChild(frame.property, frame.children->getKey(), frame.children->getKeyLength());
+                source = frame.children->getProperty();
+            }
+        }
+        if (!more) {
+            const unsigned int done = frame.property;
+            ORV_DELETE(frame.children);
+            stack.pop_back();
+            notify([done](AbstractDynamicObjectListener& listener) { listener.afterPut(done); });
+            continue;
+        }
+        if (stack.size() >= other.blocks_.size() * other.nodeAllocator_->getBlockSize() &&
+            !other.checkNesting(stack.size(), 0)) {
+            for (PutFrame& open : stack) {
+                ORV_DELETE(open.children);
+            }
+            return;
+        }
+        beginPut(target, other, source, stack);
+    }
 }
 
 void DynamicObject::put(unsigned int property, const DynamicObject& other)

@@ -310,10 +310,10 @@ TEST(DynamicObjectBuilder, LeavesTheNodesThatThePlainOperationsLeave)
     }
 }
 
-TEST(DynamicObjectBuilder, ADocumentNestedAsDeepAsItIsLongIsBuiltAndReplaced)
+TEST(DynamicObjectBuilder, ADocumentNestedAsDeepAsItIsLongIsBuiltCopiedAndReplaced)
 {
-    // A later value under the same key resets the nested one: as deep as the document is long,
-    // which no call stack holds.
+    // A copy of the nested value, and a later value under the same key that resets it, go as deep
+    // as the document is long, which no call stack holds.
     DynamicObject object;
     DynamicObjectBuilder builder(object, 0);
     RecordingListener listener;
@@ -328,6 +328,11 @@ TEST(DynamicObjectBuilder, ADocumentNestedAsDeepAsItIsLongIsBuiltAndReplaced)
     }
     EXPECT_EQ(object.getInt("a[0][0][0]", 0), 0);
     EXPECT_EQ(object.getType("a[0][0]"), utils::type::array);
+    // A copy by value goes as deep.
+    DynamicObject copy;
+    copy.put("b", object);
+    EXPECT_EQ(copy.getType("b.a[0][0]"), utils::type::array);
+    EXPECT_EQ(copy.countChildren(copy.getProperty("b.a[0][0][0][0]")), 1u);
     object.setListener(&listener);
     ASSERT_TRUE(builder.objectChild("a") && builder.integer(2) && builder.endObject() && builder.end());
     EXPECT_EQ(dump(object), R"({"a":2})");
