@@ -250,8 +250,7 @@ TEST(DynamicObjectBlob, WalksOfABlobWhoseLinksLoopStopWithAFailedAssertion)
         capture.clear();
         RecordingBuilder nodes;
         EXPECT_FALSE(object.visitTrie(object.getRoot(), nodes));
-        const Texts broken = { "Unable to walk the dynamic object, its nodes are broken" };
-        EXPECT_EQ(capture.texts(), broken);
+        EXPECT_EQ(capture.texts(), Texts { "Unable to walk the dynamic object, its nodes are broken" });
         capture.clear();
         object.eraseChild(object.getProperty("a"), "x", 1);
         object.resetProperty(object.getRoot());
