@@ -400,6 +400,23 @@ private:
     /// The next child of a property under reset to reset and erase, 0 when there is none (or, for
     /// an array, a missing element, with `pending` set).
     unsigned int nextChildToReset(ResetFrame& frame);
+    /// Makes the new tail of a key from `position` (its characters, its end and its value) as one
+    /// run of slots, recording it on `trail` up to `recorded` characters; null, with nothing
+    /// changed, when released slots wait or the last block has no room for it.
+    Node* makeKeyRun(unsigned int* link, const char* key, unsigned int position, unsigned int length,
+                     InsertionTrail* trail, unsigned int recorded, unsigned int bound, signed char boundCharacter,
+                     unsigned int*& firstLink, unsigned int& endOfKeyIndex);
+    /// The new property `key` from the trail's start, when the trail leads straight to an empty
+    /// link and the rest fits as one run: its handle, and in `firstLevel` the node behind its first
+    /// character. 0, with nothing changed, when addProperty has to do it.
+    unsigned int addAlongTrail(const char* key, unsigned int length, InsertionTrail& trail, unsigned int& firstLevel);
+    /// A builder's new child of `parent` in that case; 0, with nothing changed, whenever doAddChild
+    /// has to do it.
+    unsigned int addChildAlong(unsigned int parent, const char* key, unsigned int length, InsertionTrail& trail);
+    /// A builder's new element `index` of `array`, of key `key`, in that case; 0, with nothing
+    /// changed, whenever addElement has to go through addProperty.
+    unsigned int addElementAlong(unsigned int array, unsigned int index, const char* key, unsigned int length,
+                                 InsertionTrail& trail);
     /// `scanned` says that the caller has made sure that the key holds no byte 0.
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
                             InsertionTrail* trail = nullptr, bool scanned = false);

@@ -245,7 +245,10 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
         }
     }
     DynamicObject::InsertionTrail& trail = currentTrail();
-    const unsigned int child = refused ? 0 : object_.doAddChild(properties_.back(), key, size, &trail, true);
+    unsigned int child = refused || key == nullptr ? 0 : object_.addChildAlong(properties_.back(), key, size, trail);
+    if (child == 0 && !refused) {
+        child = object_.doAddChild(properties_.back(), key, size, &trail, true);
+    }
     if (child != 0) {
         pushChild(child, trail);
         return true;

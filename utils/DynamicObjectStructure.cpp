@@ -264,8 +264,11 @@ unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, I
 {
     char key[arrayKeyCapacity];
     const unsigned int length = formatArrayKey(index, key);
+    unsigned int element = trail != nullptr ? addElementAlong(array, index, key, length, *trail) : 0;
+    if (element != 0) {
+        return element;
+    }
     bool added;
-    unsigned int element;
     unsigned int valueIndex;
     KeyPlace place{0, 0};
     if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {

@@ -205,6 +205,116 @@ inline unsigned int DynamicObject::followTrail(const InsertionTrail& trail, cons
     return position;
 }
 
+// Every insertion of a new key ends here: kept inline in both callers.
+__attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKeyRun(unsigned int* link, const char* key, unsigned int position,
+                                               unsigned int length, InsertionTrail* trail, unsigned int recorded,
+                                               unsigned int bound, signed char boundCharacter, unsigned int*& firstLink,
+                                               unsigned int& endOfKeyIndex)
+{
+    // With no released slot waiting and room left in the last block, the one-by-one allocation
+    // would hand out consecutive slots: they are cleared and linked here as one run.
+    const unsigned int blockSize = nodeAllocator_->blockSize_;
+    const unsigned int runLength = length - position + 2;
+    if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < runLength) {
+        return nullptr;
+    }
+    const unsigned int slot = lastBlockUsed_;
+    lastBlockUsed_ += runLength;
+    const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
+    Node* run = blocks_.back() + slot;
+    std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
+    *link = first;
+    for (unsigned int i = 0; position < length; ++i, ++position) {
+        run[i].trie.splitChar = static_cast<signed char>(key[position]);
+        run[i].trie.equal = first + i + 1;
+        if (position == 0) {
+            firstLink = &run[i].trie.equal;
+        }
+        if (position < recorded) {
+            trail->matched[position] = first + i;
+            trail->matchedNode[position] = run + i;
+            trail->bound[position] = bound;
+            trail->boundCharacter[position] = boundCharacter;
+            bound = 0;
+        }
+    }
+    Node* endOfKey = run + runLength - 2;
+    endOfKeyIndex = first + runLength - 2;
+    endOfKey->trie.equal = endOfKeyIndex + 1;
+    run[runLength - 1].value.isValue = 1;
+    run[runLength - 1].value.type = type::null;
+    return endOfKey;
+}
+
+// Kept inline in both of its callers below.
+__attribute__((always_inline)) inline unsigned int DynamicObject::addAlongTrail(const char* key, unsigned int length,
+                                                                                InsertionTrail& trail,
+                                                                                unsigned int& firstLevel)
+{
+    // The case of a document read in order: nothing listens, and the key leaves the recorded nodes
+    // at a link that is still empty, so that all the rest is new and fits as one run. Anything else
+    // is left to addProperty, with nothing changed here.
+    if (!listeners_.empty() || trail.start == 0 || trail.stamp != shapeStamp_) {
+        return 0;
+    }
+    unsigned int startLink = trail.start;
+    unsigned int* link = &startLink;
+    unsigned int* firstLink = &startLink;
+    unsigned int bound = 0;
+    signed char boundCharacter = 0;
+    const unsigned int kept = followTrail(trail, key, length, startLink, link, firstLink, bound, boundCharacter);
+    if (kept >= length || *link != 0) {
+        return 0;
+    }
+    const unsigned int recorded = length < InsertionTrail::depth ? length : InsertionTrail::depth;
+    unsigned int endOfKeyIndex;
+    Node* endOfKey =
+        makeKeyRun(link, key, kept, length, &trail, recorded, bound, boundCharacter, firstLink, endOfKeyIndex);
+    if (endOfKey == nullptr) {
+        return 0;
+    }
+    if (recorded > kept) {
+        std::memcpy(trail.text + kept, key + kept, recorded - kept);
+    }
+    trail.length = recorded;
+    trail.madeValue = endOfKey + 1;
+    firstLevel = *firstLink;
+    return endOfKeyIndex;
+}
+
+unsigned int DynamicObject::addChildAlong(unsigned int parent, const char* key, unsigned int length,
+                                          InsertionTrail& trail)
+{
+    unsigned int firstLevel;
+    const unsigned int property = (parent == root_ ? trail.start == root_ : trail.owner == parent)
+                                      ? addAlongTrail(key, length, trail, firstLevel)
+                                      : 0;
+    if (property == 0) {
+        return 0;
+    }
+    // As doAddChild counts a child that it made, and gives the level its shortcut.
+    Node* parentValue = findValueNodeAsserts(parent);
+    if (parentValue != nullptr) {
+        const unsigned long long count = parentValue->value.type == type::object ? parentValue->getPayload() : 0;
+        parentValue->setPayload(count + 1);
+        parentValue->value.type = type::object;
+        indexChild(trail.start, key, length, property, count + 1);
+    }
+    return property;
+}
+
+unsigned int DynamicObject::addElementAlong(unsigned int array, unsigned int index, const char* key,
+                                            unsigned int length, InsertionTrail& trail)
+{
+    unsigned int elements;
+    const unsigned int element = trail.start == array ? addAlongTrail(key, length, trail, elements) : 0;
+    if (element != 0) {
+        // As addElement gives the element its shortcut: its piece is its index and closing bracket.
+        indexChild(elements, key + 1, length - 1, element, index + 1);
+    }
+    return element;
+}
+
 DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* key, unsigned int length,
                                                 bool& added, unsigned int& property, unsigned int& valueIndex)
 {
@@ -276,39 +386,13 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         position += equal ? 1 : 0;
     }
     const bool madeNodes = position < length;
-    // The rest of the key, its end and its value are all new. With no released slot waiting and
-    // room left in the last block, the one-by-one allocation below would hand out consecutive
-    // slots: they are cleared and linked here as one run.
     Node* endOfKey = nullptr;
     unsigned int endOfKeyIndex = 0;
-    const unsigned int blockSize = nodeAllocator_->blockSize_;
-    const unsigned int runLength = length - position + 2;
-    if (madeNodes && firstFreeNode_ == 0 && lastBlockUsed_ < blockSize && blockSize - lastBlockUsed_ >= runLength) {
-        const unsigned int slot = lastBlockUsed_;
-        lastBlockUsed_ += runLength;
-        const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
-        Node* run = blocks_.back() + slot;
-        std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
-        *link = first;
-        for (unsigned int i = 0; position < length; ++i, ++position) {
-            run[i].trie.splitChar = static_cast<signed char>(key[position]);
-            run[i].trie.equal = first + i + 1;
-            if (position == 0) {
-                firstLink = &run[i].trie.equal;
-            }
-            if (position < recorded) {
-                trail->matched[position] = first + i;
-                trail->matchedNode[position] = run + i;
-                trail->bound[position] = bound;
-                trail->boundCharacter[position] = boundCharacter;
-                bound = 0;
-            }
+    if (madeNodes) {
+        endOfKey = makeKeyRun(link, key, position, length, trail, recorded, bound, boundCharacter, firstLink, endOfKeyIndex);
+        if (endOfKey != nullptr) {
+            position = length;
         }
-        endOfKey = run + runLength - 2;
-        endOfKeyIndex = first + runLength - 2;
-        endOfKey->trie.equal = endOfKeyIndex + 1;
-        run[runLength - 1].value.isValue = 1;
-        run[runLength - 1].value.type = type::null;
     }
     for (; position < length; ++position) {
         unsigned int index;
