@@ -359,6 +359,24 @@ private:
         /// The value node of the property that the last insertion made, still null; null when it
         /// made none.
         Node* madeValue = nullptr;
+
+        /// Records where character `position` was found or made, and what bounded it.
+        void recordStep(unsigned int position, unsigned int index, Node* node, unsigned int boundIndex,
+                        signed char boundSplit)
+        {
+            matched[position] = index;
+            matchedNode[position] = node;
+            bound[position] = boundIndex;
+            boundCharacter[position] = boundSplit;
+        }
+        /// Takes the text of a key whose first `kept` characters the recorded one has already.
+        void recordText(const char* key, unsigned int kept, unsigned int recorded)
+        {
+            if (recorded > kept) {
+                std::memcpy(text + kept, key + kept, recorded - kept);
+            }
+            length = recorded;
+        }
     };
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
                       unsigned int& valueIndex, KeyPlace* place, InsertionTrail* trail = nullptr);

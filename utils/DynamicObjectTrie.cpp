@@ -231,10 +231,7 @@ __attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKe
             firstLink = &run[i].trie.equal;
         }
         if (position < recorded) {
-            trail->matched[position] = first + i;
-            trail->matchedNode[position] = run + i;
-            trail->bound[position] = bound;
-            trail->boundCharacter[position] = boundCharacter;
+            trail->recordStep(position, first + i, run + i, bound, boundCharacter);
             bound = 0;
         }
     }
@@ -273,10 +270,7 @@ __attribute__((always_inline)) inline unsigned int DynamicObject::addAlongTrail(
     if (endOfKey == nullptr) {
         return 0;
     }
-    if (recorded > kept) {
-        std::memcpy(trail.text + kept, key + kept, recorded - kept);
-    }
-    trail.length = recorded;
+    trail.recordText(key, kept, recorded);
     trail.madeValue = endOfKey + 1;
     firstLevel = *firstLink;
     return endOfKeyIndex;
@@ -374,10 +368,7 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
         firstLink = equal && position == 0 ? next : firstLink;
         link = next;
         if (position < recorded) {
-            trail->matched[position] = last;
-            trail->matchedNode[position] = node;
-            trail->bound[position] = bound;
-            trail->boundCharacter[position] = boundCharacter;
+            trail->recordStep(position, last, node, bound, boundCharacter);
             const bool below = c < split;
             bound = below ? last : bound;
             boundCharacter = below ? split : boundCharacter;
@@ -407,18 +398,12 @@ DynamicObject::Node* DynamicObject::addProperty(unsigned int start, const char* 
             firstLink = link;
         }
         if (position < recorded) {
-            trail->matched[position] = index;
-            trail->matchedNode[position] = node;
-            trail->bound[position] = bound;
-            trail->boundCharacter[position] = boundCharacter;
+            trail->recordStep(position, index, node, bound, boundCharacter);
             bound = 0;
         }
     }
     if (recorded != 0) {
-        if (recorded > kept) {
-            std::memcpy(trail->text + kept, key + kept, recorded - kept);
-        }
-        trail->length = recorded;
+        trail->recordText(key, kept, recorded);
         trail->stamp = shapeStamp_;
         trail->start = start;
     }
