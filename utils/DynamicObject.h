@@ -342,7 +342,8 @@ private:
         static constexpr unsigned int depth = 16;
         /// The node the key was walked from; 0 when nothing is recorded.
         unsigned int start = 0;
-        /// The property whose children the keys are, when they hang behind its `.`.
+        /// The property whose children the keys are (the root for its own), 0 for the elements of
+        /// an array; set by every insertion that records the trail, with `start`.
         unsigned int owner = 0;
         unsigned int length = 0;
         /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
@@ -359,6 +360,9 @@ private:
         /// The value node of the property that the last insertion made, still null; null when it
         /// made none.
         Node* madeValue = nullptr;
+        /// When the recorded key is the last element of the array `start`: the index of the next one.
+        /// 0 otherwise.
+        unsigned int nextElement = 0;
 
         /// Records where character `position` was found or made, and what bounded it.
         void recordStep(unsigned int position, unsigned int index, Node* node, unsigned int boundIndex,
@@ -376,6 +380,7 @@ private:
                 std::memcpy(text + kept, key + kept, recorded - kept);
             }
             length = recorded;
+            nextElement = 0;
         }
     };
     Node* addProperty(unsigned int start, const char* key, unsigned int length, bool& added, unsigned int& property,
@@ -435,6 +440,10 @@ private:
     /// changed, whenever addElement has to go through addProperty.
     unsigned int addElementAlong(unsigned int array, unsigned int index, const char* key, unsigned int length,
                                  InsertionTrail& trail);
+    /// A builder's element `index` of `array` when the trail recorded element `index - 1` and the
+    /// new key hangs straight past the recorded digit that changes; 0, with nothing changed, otherwise.
+    /// The array's count is the caller's to set.
+    unsigned int addNextElementAlong(unsigned int array, unsigned int index, InsertionTrail& trail);
     /// `scanned` says that the caller has made sure that the key holds no byte 0.
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
                             InsertionTrail* trail = nullptr, bool scanned = false);

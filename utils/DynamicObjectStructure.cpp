@@ -68,6 +68,9 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
             ++key;
             --length;
         }
+        if (trail != nullptr) {
+            trail->owner = root_;
+        }
         value = addProperty(root_, key, length, added, property, valueIndex, &place, trail);
         stand = root_;
         piece = key;
@@ -262,20 +265,32 @@ bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, c
 
 unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, InsertionTrail* trail)
 {
-    char key[arrayKeyCapacity];
-    const unsigned int length = formatArrayKey(index, key);
-    unsigned int element = trail != nullptr ? addElementAlong(array, index, key, length, *trail) : 0;
+    unsigned int element = trail != nullptr ? addNextElementAlong(array, index, *trail) : 0;
     if (element != 0) {
         return element;
     }
-    bool added;
-    unsigned int valueIndex;
-    KeyPlace place{0, 0};
-    if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {
-        return 0;
+    if (trail != nullptr) {
+        // Elements hang behind no `.`: a trail that records them is no object's, whatever object
+        // it served before.
+        trail->owner = 0;
     }
-    // An element's piece is its index and closing bracket, from behind the `[`.
-    indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
+    char key[arrayKeyCapacity];
+    const unsigned int length = formatArrayKey(index, key);
+    element = trail != nullptr ? addElementAlong(array, index, key, length, *trail) : 0;
+    if (element == 0) {
+        bool added;
+        unsigned int valueIndex;
+        KeyPlace place{0, 0};
+        if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {
+            return 0;
+        }
+        // An element's piece is its index and closing bracket, from behind the `[`.
+        indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
+    }
+    if (trail != nullptr) {
+        // The trail now records this element: the next one may count up from it.
+        trail->nextElement = index + 1;
+    }
     return element;
 }
 

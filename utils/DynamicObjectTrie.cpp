@@ -280,9 +280,7 @@ unsigned int DynamicObject::addChildAlong(unsigned int parent, const char* key, 
                                           InsertionTrail& trail)
 {
     unsigned int firstLevel;
-    const unsigned int property = (parent == root_ ? trail.start == root_ : trail.owner == parent)
-                                      ? addAlongTrail(key, length, trail, firstLevel)
-                                      : 0;
+    const unsigned int property = trail.owner == parent ? addAlongTrail(key, length, trail, firstLevel) : 0;
     if (property == 0) {
         return 0;
     }
@@ -306,6 +304,56 @@ unsigned int DynamicObject::addElementAlong(unsigned int array, unsigned int ind
         // As addElement gives the element its shortcut: its piece is its index and closing bracket.
         indexChild(elements, key + 1, length - 1, element, index + 1);
     }
+    return element;
+}
+
+unsigned int DynamicObject::addNextElementAlong(unsigned int array, unsigned int index, InsertionTrail& trail)
+{
+    if (trail.nextElement != index || index == 0 || trail.start != array || trail.stamp != shapeStamp_
+        || !listeners_.empty()) {
+        return 0;
+    }
+    // The recorded key is "[index - 1]", so the new one differs from it in its last digit alone,
+    // one above, unless that digit carries. After a carry the new key's start is the start of a
+    // shorter index, which exists: addElement walks it.
+    const unsigned int last = trail.length - 2;
+    const signed char digit = static_cast<signed char>(trail.text[last] + 1);
+    if (digit > '9') {
+        return 0;
+    }
+    // The new digit hangs past the recorded one if it stays below what the recorded one went
+    // below, which it does in any array whose elements are all there.
+    if (trail.bound[last] != 0 && digit >= trail.boundCharacter[last]) {
+        return 0;
+    }
+    unsigned int* const link = &trail.matchedNode[last]->trie.greater;
+    // The digit, the bracket, the end of the key and the value.
+    constexpr unsigned int runLength = 4;
+    const unsigned int blockSize = nodeAllocator_->blockSize_;
+    if (*link != 0 || firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < runLength) {
+        return 0;
+    }
+    const unsigned int slot = lastBlockUsed_;
+    lastBlockUsed_ += runLength;
+    const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
+    Node* run = blocks_.back() + slot;
+    std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
+    *link = first;
+    run[0].trie.splitChar = digit;
+    run[0].trie.equal = first + 1;
+    run[1].trie.splitChar = ']';
+    run[1].trie.equal = first + 2;
+    run[2].trie.equal = first + 3;
+    run[3].value.isValue = 1;
+    run[3].value.type = type::null;
+    trail.text[last] = static_cast<char>(digit);
+    trail.recordStep(last, first, run, trail.bound[last], trail.boundCharacter[last]);
+    trail.recordStep(last + 1, first + 1, run + 1, 0, 0);
+    trail.madeValue = run + 3;
+    trail.nextElement = index + 1;
+    // As addElement gives the element its shortcut: its piece is its index and closing bracket.
+    const unsigned int element = first + 2;
+    indexChild(trail.matchedNode[0]->trie.equal, trail.text + 1, trail.length - 1, element, index + 1);
     return element;
 }
 

@@ -122,6 +122,16 @@ TEST(DynamicObjectBuilder, ALaterDuplicateKeyReplacesTheEarlierValue)
     EXPECT_EQ(capture.texts(), Texts {});
     // Objects under one key merge; values of another kind give way.
     EXPECT_EQ(dump(object), R"({"a":["x"],"c":{"d":1,"e":2}})");
+
+    // The children of the merged object go behind its own `.`, whatever container was filled at
+    // their depth in between.
+    DynamicObject merged;
+    DynamicObjectBuilder again(merged, 0);
+    EXPECT_EQ(play(again,
+                  "begin beginObject child(a) beginObject child(x) int(1) child(z) int(3) endObject child(b) beginArray child int(1) "
+                  "endArray child(a) beginObject child(y) int(2) endObject endObject end"),
+        "");
+    EXPECT_EQ(dump(merged), R"({"a":{"x":1,"y":2,"z":3},"b":[1]})");
 }
 
 TEST(DynamicObjectBuilder, AnArrayTakesTheLargestSizeAndNoMore)
@@ -234,8 +244,8 @@ private:
 };
 
 /// Sends one random value: keys drawn from a small set that shares prefixes, holds bytes above
-/// 0x7F and repeats, containers of up to `width` children, some past the size where a level gets
-/// its shortcuts.
+/// 0x7F and repeats, containers of a few children, some past the size where a level gets its
+/// shortcuts and past a hundred.
 void sendRandomValue(std::mt19937& random, int depth, std::vector<utils::AbstractObjectBuilder*> builders)
 {
     static const char* const keys[] = { "a", "ab", "abc", "b", "ba", "k1", "k10", "k2", "k20", "k3", "z", "\x80", "a\xff",
@@ -255,7 +265,8 @@ void sendRandomValue(std::mt19937& random, int depth, std::vector<utils::Abstrac
     }
     const bool isObject = kind == 3;
     all([isObject](utils::AbstractObjectBuilder& b) { return isObject ? b.beginObject() : b.beginArray(); });
-    const unsigned int count = random() % (random() % 4 == 0 ? 50 : 8);
+    // Past a hundred elements the indices gain a third digit.
+    const unsigned int count = random() % (random() % 16 == 0 ? 130 : random() % 4 == 0 ? 50 : 8);
     for (unsigned int i = 0; i < count; ++i) {
         // Mostly ascending names, as documents are written, with jumps back and repeats.
         const std::string key = random() % 3 == 0 ? keys[random() % 15] : "n" + std::to_string(i * 3 + random() % 4);
