@@ -93,25 +93,26 @@ bool isAboveRealRange(const char* text, const char* end)
     return integerDigits - firstSignificant - 1 + (negativeExponent ? -exponent : exponent) > 0;
 }
 
-/// An integer has neither fraction nor exponent.
-bool isIntegerToken(const char* text, const char* end)
-{
-    for (; text != end; ++text) {
-        if (*text == '.' || *text == 'e' || *text == 'E') {
-            return false;
-        }
-    }
-    return true;
-}
-
 // The number arrives as its token, so that no conversion depends on the process's locale:
 // std::from_chars reads as the "C" locale does and switches nothing.
 int onNumber(void* ctx, const char* text, std::size_t length)
 {
     JsonParseContext& context = contextOf(ctx);
     const char* end = text + length;
-    if (isIntegerToken(text, end)) {
-        long long value = 0;
+    // Most integers have fewer digits than a long long holds, so that no digit can overflow it:
+    // they are read in the same pass that looks for a fraction or an exponent.
+    const bool negative = length != 0 && text[0] == '-';
+    const char* cursor = text + (negative ? 1 : 0);
+    unsigned long long magnitude = 0;
+    for (; cursor != end && static_cast<unsigned char>(*cursor - '0') < 10; ++cursor) {
+        magnitude = magnitude * 10 + static_cast<unsigned char>(*cursor - '0');
+    }
+    if (cursor == end) {
+        constexpr std::ptrdiff_t safeDigits = 18;
+        long long value = static_cast<long long>(magnitude);
+        if (cursor - text - (negative ? 1 : 0) <= safeDigits) {
+            return enterValue(context) && context.builder->integer(negative ? -value : value);
+        }
         if (std::from_chars(text, end, value).ec != std::errc()) {
             // The lexer gave a valid integer token, so only its size can fail.
             context.numberFault = "integer overflow";

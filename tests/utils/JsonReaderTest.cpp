@@ -136,11 +136,14 @@ TEST(JsonReader, GivesTheSameEventsWhateverTheChunkBoundaries)
 
 TEST(JsonReader, ReadsIntegersToTheLimitsOfLongLongAndRealsToTheLimitsOfDouble)
 {
-    Outcome outcome = readJson("[9223372036854775807,-9223372036854775808,1,1.0,1e2,-0.0,1E+2,1e-400,-1e-400,"
+    Outcome outcome = readJson("[9223372036854775807,-9223372036854775808,1,-0,999999999999999999,"
+                               "-1000000000000000000,1.0,1e2,-0.0,1E+2,1e-400,-1e-400,"
                                "2.4703282292062328e-324,1.7976931348623158e308]");
     EXPECT_TRUE(outcome.result);
     EXPECT_EQ(outcome.events, "begin beginArray child int(9223372036854775807) child int(-9223372036854775808) "
-                              "child int(1) child real(1) child real(100) child real(-0) child real(100) child real(0) "
+                              "child int(1) child int(0) child int(999999999999999999) "
+                              "child int(-1000000000000000000) "
+                              "child real(1) child real(100) child real(-0) child real(100) child real(0) "
                               "child real(-0) child real(5e-324) child real(1.7976931348623157e+308) endArray end");
 
     // The report is the parser's own: the place is put back in front of the number. No
