@@ -440,10 +440,10 @@ private:
     /// changed, whenever addElement has to go through addProperty.
     unsigned int addElementAlong(unsigned int array, unsigned int index, const char* key, unsigned int length,
                                  InsertionTrail& trail);
-    /// A builder's element `index` of `array` when the trail recorded element `index - 1` and the
-    /// new key hangs straight past the recorded digit that changes; 0, with nothing changed, otherwise.
-    /// The array's count is the caller's to set.
-    unsigned int addNextElementAlong(unsigned int array, unsigned int index, InsertionTrail& trail);
+    /// A builder's next element of `array`, counted in, when the trail recorded the last one and
+    /// the new key hangs straight past its last digit; 0, with nothing changed, otherwise (and
+    /// appendElement adds it).
+    unsigned int appendNextElementAlong(unsigned int array, InsertionTrail& trail);
     /// `scanned` says that the caller has made sure that the key holds no byte 0.
     unsigned int doAddChild(unsigned int parent, const char* key, unsigned int length,
                             InsertionTrail* trail = nullptr, bool scanned = false);

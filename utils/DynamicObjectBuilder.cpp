@@ -285,6 +285,11 @@ bool DynamicObjectBuilder::arrayChild()
     }
     const unsigned int array = properties_.back();
     DynamicObject::InsertionTrail& trail = currentTrail();
+    const unsigned int next = object_.appendNextElementAlong(array, trail);
+    if (next != 0) {
+        pushChild(next, trail);
+        return true;
+    }
     bool full = false;
     const unsigned int element = object_.appendElement(array, &trail, full);
     if (full) {

@@ -265,10 +265,7 @@ bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, c
 
 unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, InsertionTrail* trail)
 {
-    unsigned int element = trail != nullptr ? addNextElementAlong(array, index, *trail) : 0;
-    if (element != 0) {
-        return element;
-    }
+    unsigned int element = 0;
     if (trail != nullptr) {
         // Elements hang behind no `.`: a trail that records them is no object's, whatever object
         // it served before.

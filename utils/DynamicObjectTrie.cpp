@@ -307,10 +307,15 @@ unsigned int DynamicObject::addElementAlong(unsigned int array, unsigned int ind
     return element;
 }
 
-unsigned int DynamicObject::addNextElementAlong(unsigned int array, unsigned int index, InsertionTrail& trail)
+unsigned int DynamicObject::appendNextElementAlong(unsigned int array, InsertionTrail& trail)
 {
-    if (trail.nextElement != index || index == 0 || trail.start != array || trail.stamp != shapeStamp_
-        || !listeners_.empty()) {
+    const unsigned int index = trail.nextElement;
+    if (index == 0 || trail.start != array || trail.stamp != shapeStamp_ || !listeners_.empty()) {
+        return 0;
+    }
+    Node* const arrayValue = findValueNode(array);
+    if (arrayValue == nullptr || arrayValue->value.type != type::array || arrayValue->getPayload() != index
+        || index >= maximumArraySize) {
         return 0;
     }
     // The recorded key is "[index - 1]", so the new one differs from it in its last digit alone,
@@ -351,9 +356,15 @@ unsigned int DynamicObject::addNextElementAlong(unsigned int array, unsigned int
     trail.recordStep(last + 1, first + 1, run + 1, 0, 0);
     trail.madeValue = run + 3;
     trail.nextElement = index + 1;
-    // As addElement gives the element its shortcut: its piece is its index and closing bracket.
+    arrayValue->setPayload(index + 1);
+    // As addElement gives the element its shortcut: its piece is its index and closing bracket,
+    // from the level behind the `[`. A piece that short makes a level worth indexing by the count
+    // of its children alone.
     const unsigned int element = first + 2;
-    indexChild(trail.matchedNode[0]->trie.equal, trail.text + 1, trail.length - 1, element, index + 1);
+    const unsigned int stand = trail.matchedNode[0]->trie.equal;
+    if (index + 1 >= indexedChildCount || (index_ != nullptr && index_->isIndexed(stand))) {
+        indexLevelOfChild(stand, trail.text + 1, trail.length - 1, element, index + 1);
+    }
     return element;
 }
 
