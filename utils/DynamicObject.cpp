@@ -751,6 +751,11 @@ unsigned int DynamicObject::appendElement(unsigned int array, InsertionTrail* tr
     // Blocks never move, so the value node is still where it was before the key's nodes came.
     value->setPayload(count + 1);
     value->value.type = type::array;
+    if (trail != nullptr) {
+        // The trail now records this element: the next one may count up from it.
+        trail->nextElement = count + 1;
+        trail->arrayValue = value;
+    }
     return element;
 }
 

@@ -360,9 +360,10 @@ private:
         /// The value node of the property that the last insertion made, still null; null when it
         /// made none.
         Node* madeValue = nullptr;
-        /// When the recorded key is the last element of the array `start`: the index of the next one.
-        /// 0 otherwise.
+        /// When the recorded key is the last element of the array `start`: the index of the next one,
+        /// and the array's value node. 0 otherwise.
         unsigned int nextElement = 0;
+        Node* arrayValue = nullptr;
 
         /// Records where character `position` was found or made, and what bounded it.
         void recordStep(unsigned int position, unsigned int index, Node* node, unsigned int boundIndex,

@@ -33,8 +33,8 @@ DynamicObjectBuilder::DynamicObjectBuilder(DynamicObject& object, unsigned int p
     , types_()
     , object_(object)
     , trails_()
+    , pendingChild_(0)
     , freshValue_(nullptr)
-    , freshProperty_(0)
     , freshStamp_(0)
 {
     const unsigned int start = property != 0 ? property : object.getRoot();
@@ -51,25 +51,22 @@ DynamicObject::InsertionTrail& DynamicObjectBuilder::currentTrail()
     return trails_[depth - 1];
 }
 
-void DynamicObjectBuilder::pushChild(unsigned int child, const DynamicObject::InsertionTrail& trail)
+void DynamicObjectBuilder::setPendingChild(unsigned int child, const DynamicObject::InsertionTrail& trail)
 {
-    properties_.push_back(child);
-    types_.push_back(type::null);
+    pendingChild_ = child;
     freshValue_ = trail.madeValue;
-    freshProperty_ = child;
     freshStamp_ = object_.shapeStamp_;
 }
 
 DynamicObject::Node* DynamicObjectBuilder::takeFreshValue()
 {
     DynamicObject::Node* value = freshValue_;
-    freshValue_ = nullptr;
-    if (value == nullptr || properties_.empty() || properties_.back() != freshProperty_ || types_.size() != properties_.size()
-        || types_.back() != type::null || !object_.listeners_.empty() || object_.shapeStamp_ != freshStamp_) {
+    if (value == nullptr || pendingChild_ == 0 || !object_.listeners_.empty() || object_.shapeStamp_ != freshStamp_) {
+        pushPendingChild();
         return nullptr;
     }
-    properties_.pop_back();
-    types_.pop_back();
+    pendingChild_ = 0;
+    freshValue_ = nullptr;
     return value;
 }
 
@@ -173,6 +170,9 @@ bool DynamicObjectBuilder::real(double value)
 
 bool DynamicObjectBuilder::string(const char* value, unsigned int size)
 {
+    if (value == nullptr) {
+        pushPendingChild();
+    }
     DynamicObject::Node* fresh = value != nullptr ? takeFreshValue() : nullptr;
     if (fresh != nullptr) {
         fresh->value.type = type::string;
@@ -189,6 +189,7 @@ bool DynamicObjectBuilder::string(const char* value, unsigned int size)
 
 bool DynamicObjectBuilder::beginContainer(type::Type type)
 {
+    pushPendingChild();
     if (!beginProperty(type)) {
         return false;
     }
@@ -209,6 +210,7 @@ bool DynamicObjectBuilder::beginObject()
 
 bool DynamicObjectBuilder::endObject()
 {
+    pushPendingChild();
     return endProperty(type::object);
 }
 
@@ -219,11 +221,13 @@ bool DynamicObjectBuilder::beginArray()
 
 bool DynamicObjectBuilder::endArray()
 {
+    pushPendingChild();
     return endProperty(type::array);
 }
 
 bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
 {
+    pushPendingChild();
     if (types_.empty()) {
         ORV_LOG_ERROR(logger_, error::invalidOperation, noCurrentProperty);
         return false;
@@ -250,7 +254,7 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
         child = object_.doAddChild(properties_.back(), key, size, &trail, true);
     }
     if (child != 0) {
-        pushChild(child, trail);
+        setPendingChild(child, trail);
         return true;
     }
     if (logger_ != nullptr) {
@@ -275,6 +279,7 @@ bool DynamicObjectBuilder::objectChild(const char* key, unsigned int size)
 
 bool DynamicObjectBuilder::arrayChild()
 {
+    pushPendingChild();
     if (types_.empty()) {
         ORV_LOG_ERROR(logger_, error::invalidOperation, noCurrentProperty);
         return false;
@@ -287,7 +292,7 @@ bool DynamicObjectBuilder::arrayChild()
     DynamicObject::InsertionTrail& trail = currentTrail();
     const unsigned int next = object_.appendNextElementAlong(array, trail);
     if (next != 0) {
-        pushChild(next, trail);
+        setPendingChild(next, trail);
         return true;
     }
     bool full = false;
@@ -303,7 +308,7 @@ bool DynamicObjectBuilder::arrayChild()
             logger_, error::badAllocation, "The current array property (" << array << ") can't take another element.");
         return false;
     }
-    pushChild(element, trail);
+    setPendingChild(element, trail);
     return true;
 }
 

@@ -49,13 +49,24 @@ private:
     unsigned int currentForScalar(type::Type type);
     /// Where the last child of the container at the top of the stacks was added.
     DynamicObject::InsertionTrail& currentTrail();
-    /// Pushes a child just added to the container at the top, and remembers its value node if
-    /// the insertion made it.
-    void pushChild(unsigned int child, const DynamicObject::InsertionTrail& trail);
-    /// The value node of the top property when this builder has just made it and it is still
+    /// Takes a child just added to the container at the top as the pending one, and remembers its
+    /// value node if the insertion made it.
+    void setPendingChild(unsigned int child, const DynamicObject::InsertionTrail& trail);
+    /// Pushes the pending child, if any, on the stacks: every event but a scalar that takes its
+    /// fresh value works on the stacks alone.
+    void pushPendingChild()
+    {
+        if (pendingChild_ != 0) {
+            properties_.push_back(pendingChild_);
+            types_.push_back(type::null);
+            pendingChild_ = 0;
+            freshValue_ = nullptr;
+        }
+    }
+    /// The value node of the pending child when this builder has just made it and it is still
     /// null, nothing listens to the object and no node was released since: a scalar is then stored
-    /// there directly, which is all that the store and the stack steps would come to. The property
-    /// is popped. Null otherwise, and the event takes the ordinary way.
+    /// there directly, which is all that pushing the child, the store and the pop would come to.
+    /// Null otherwise, with the pending child pushed, and the event takes the ordinary way.
     DynamicObject::Node* takeFreshValue();
 
     Vector<unsigned int> properties_;
@@ -64,8 +75,10 @@ private:
     /// One per depth of the stacks: children come in document order, and the next key of a
     /// container mostly continues from where the last one was put.
     Vector<DynamicObject::InsertionTrail> trails_;
+    /// A child announced and not yet on the stacks: most children get one scalar, which needs no
+    /// push and pop. 0 when there is none.
+    unsigned int pendingChild_;
     DynamicObject::Node* freshValue_;
-    unsigned int freshProperty_;
     unsigned long long freshStamp_;
 };
 

@@ -284,10 +284,6 @@ unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, I
         // An element's piece is its index and closing bracket, from behind the `[`.
         indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
     }
-    if (trail != nullptr) {
-        // The trail now records this element: the next one may count up from it.
-        trail->nextElement = index + 1;
-    }
     return element;
 }
 

@@ -313,9 +313,9 @@ unsigned int DynamicObject::appendNextElementAlong(unsigned int array, Insertion
     if (index == 0 || trail.start != array || trail.stamp != shapeStamp_ || !listeners_.empty()) {
         return 0;
     }
-    Node* const arrayValue = findValueNode(array);
-    if (arrayValue == nullptr || arrayValue->value.type != type::array || arrayValue->getPayload() != index
-        || index >= maximumArraySize) {
+    // No node was released since the trail was recorded, so the array's value node is still its own.
+    Node* const arrayValue = trail.arrayValue;
+    if (arrayValue->value.type != type::array || arrayValue->getPayload() != index || index >= maximumArraySize) {
         return 0;
     }
     // The recorded key is "[index - 1]", so the new one differs from it in its last digit alone,
