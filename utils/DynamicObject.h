@@ -343,8 +343,10 @@ private:
         /// The node the key was walked from; 0 when nothing is recorded.
         unsigned int start = 0;
         /// The property whose children the keys are (the root for its own), 0 for the elements of
-        /// an array; set by every insertion that records the trail, with `start`.
+        /// an array; set by every insertion that records the trail, with `start`. Its value node
+        /// once known, null until then.
         unsigned int owner = 0;
+        Node* ownerValue = nullptr;
         unsigned int length = 0;
         /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
         unsigned long long stamp = 0;
@@ -373,6 +375,11 @@ private:
             matchedNode[position] = node;
             bound[position] = boundIndex;
             boundCharacter[position] = boundSplit;
+        }
+        void setOwner(unsigned int property, Node* value = nullptr)
+        {
+            owner = property;
+            ownerValue = value;
         }
         /// Takes the text of a key whose first `kept` characters the recorded one has already.
         void recordText(const char* key, unsigned int kept, unsigned int recorded)
@@ -434,6 +441,11 @@ private:
     /// link and the rest fits as one run: its handle, and in `firstLevel` the node behind its first
     /// character. 0, with nothing changed, when addProperty has to do it.
     unsigned int addAlongTrail(const char* key, unsigned int length, InsertionTrail& trail, unsigned int& firstLevel);
+    /// The first child of a builder's new object, with the object's `.`, when nothing follows the
+    /// object's key on its level and all fits as one run; the trail then records it. 0, with
+    /// nothing changed, otherwise. `parentValue` is the object's value node, when it has one.
+    unsigned int addFirstChildAlong(unsigned int parent, const char* key, unsigned int length, InsertionTrail& trail,
+                                    Node*& parentValue);
     /// A builder's new child of `parent` in that case; 0, with nothing changed, whenever doAddChild
     /// has to do it.
     unsigned int addChildAlong(unsigned int parent, const char* key, unsigned int length, InsertionTrail& trail);

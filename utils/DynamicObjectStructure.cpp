@@ -69,7 +69,7 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
             --length;
         }
         if (trail != nullptr) {
-            trail->owner = root_;
+            trail->setOwner(root_);
         }
         value = addProperty(root_, key, length, added, property, valueIndex, &place, trail);
         stand = root_;
@@ -88,7 +88,7 @@ unsigned int DynamicObject::doAddChild(unsigned int parent, const char* key, uns
         }
         if (start != 0) {
             if (trail != nullptr) {
-                trail->owner = parent;
+                trail->setOwner(parent);
             }
             value = addProperty(start, key, length, added, property, valueIndex, &place, trail);
             stand = start;
@@ -269,7 +269,7 @@ unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, I
     if (trail != nullptr) {
         // Elements hang behind no `.`: a trail that records them is no object's, whatever object
         // it served before.
-        trail->owner = 0;
+        trail->setOwner(0);
     }
     char key[arrayKeyCapacity];
     const unsigned int length = formatArrayKey(index, key);

@@ -222,7 +222,10 @@ __attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKe
     lastBlockUsed_ += runLength;
     const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
     Node* run = blocks_.back() + slot;
-    std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
+    // A run is a handful of nodes: one store each clears them, where a call would cost more.
+    for (unsigned int i = 0; i < runLength; ++i) {
+        std::memset(static_cast<void*>(run + i), 0, sizeof(Node));
+    }
     *link = first;
     for (unsigned int i = 0; position < length; ++i, ++position) {
         run[i].trie.splitChar = static_cast<signed char>(key[position]);
@@ -276,21 +279,64 @@ __attribute__((always_inline)) inline unsigned int DynamicObject::addAlongTrail(
     return endOfKeyIndex;
 }
 
+unsigned int DynamicObject::addFirstChildAlong(unsigned int parent, const char* key, unsigned int length,
+                                               InsertionTrail& trail, Node*& parentValue)
+{
+    // The case of a new object read from a document: nothing follows the parent's key on its level
+    // yet, so that its `.` and the whole child, value included, are new and fit as one run.
+    Node* const node = getNode(parent);
+    parentValue = findValueNode(parent);
+    if (!listeners_.empty() || parent == root_ || parentValue == nullptr || node->trie.greater != 0
+        || (parentValue->value.type != type::null && parentValue->value.type != type::object)) {
+        return 0;
+    }
+    const unsigned int blockSize = nodeAllocator_->blockSize_;
+    if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < length + 3) {
+        return 0;
+    }
+    unsigned int separator;
+    Node* const dot = allocateNode('.', separator);
+    node->trie.greater = separator;
+    const unsigned int recorded = length < InsertionTrail::depth ? length : InsertionTrail::depth;
+    unsigned int* firstLink = &dot->trie.equal;
+    unsigned int endOfKeyIndex = 0;
+    Node* const endOfKey = makeKeyRun(&dot->trie.equal, key, 0, length, &trail, recorded, 0, 0, firstLink, endOfKeyIndex);
+    trail.recordText(key, 0, recorded);
+    trail.start = dot->trie.equal;
+    trail.stamp = shapeStamp_;
+    trail.setOwner(parent, parentValue);
+    trail.madeValue = endOfKey + 1;
+    return endOfKeyIndex;
+}
+
 unsigned int DynamicObject::addChildAlong(unsigned int parent, const char* key, unsigned int length,
                                           InsertionTrail& trail)
 {
     unsigned int firstLevel;
-    const unsigned int property = trail.owner == parent ? addAlongTrail(key, length, trail, firstLevel) : 0;
-    if (property == 0) {
-        return 0;
+    Node* parentValue = nullptr;
+    unsigned int property = 0;
+    if (trail.owner == parent) {
+        property = addAlongTrail(key, length, trail, firstLevel);
+        // The parent's value node stays where it is while the parent lives, and the trail's stamp
+        // says that no node was released since it was recorded.
+        if (property != 0 && trail.ownerValue == nullptr) {
+            trail.ownerValue = findValueNodeAsserts(parent);
+        }
+        parentValue = trail.ownerValue;
+    } else {
+        property = addFirstChildAlong(parent, key, length, trail, parentValue);
+    }
+    if (property == 0 || parentValue == nullptr) {
+        return property;
     }
     // As doAddChild counts a child that it made, and gives the level its shortcut.
-    Node* parentValue = findValueNodeAsserts(parent);
-    if (parentValue != nullptr) {
-        const unsigned long long count = parentValue->value.type == type::object ? parentValue->getPayload() : 0;
-        parentValue->setPayload(count + 1);
-        parentValue->value.type = type::object;
-        indexChild(trail.start, key, length, property, count + 1);
+    const unsigned long long count = parentValue->value.type == type::object ? parentValue->getPayload() : 0;
+    parentValue->setPayload(count + 1);
+    parentValue->value.type = type::object;
+    const unsigned int stand = trail.start;
+    if (stand == root_ || count + 1 >= indexedChildCount || (index_ != nullptr && index_->isIndexed(stand))
+        || impl::DynamicObjectIndex::isWorthIndexing(count + 1, key, length)) {
+        indexLevelOfChild(stand, key, length, property, count + 1);
     }
     return property;
 }
