@@ -70,6 +70,8 @@ void StringTable::copyStrings(const StringTable& other)
 
 void StringTable::clear()
 {
+    last_ = nullptr;
+    lastHash_ = 0;
     for (const HashTable<String*>::Entry& entry : table_) {
         pool_.recycle(entry.value);
     }
@@ -83,6 +85,11 @@ unsigned long long StringTable::computeHash(const char* string, unsigned int len
 
 unsigned long long StringTable::add(const char* string, unsigned int length, AbstractLogger* logger)
 {
+    // Documents repeat values (flags, names of kinds): the text added last is known by its bytes
+    // without hashing it again. Strings leave the table only when all of them do.
+    if (last_ != nullptr && last_->size() == length && std::memcmp(last_->data(), string, length) == 0) {
+        return lastHash_;
+    }
     const unsigned long long hash = computeHash(string, length);
     if (!table_.find(hash).found()) {
         String* stored = pool_.obtain();
@@ -92,6 +99,8 @@ unsigned long long StringTable::add(const char* string, unsigned int length, Abs
         }
         stored->assign(string, length);
         table_.add(hash, stored);
+        last_ = stored;
+        lastHash_ = hash;
         return hash;
     }
     if (logger == nullptr) {

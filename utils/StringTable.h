@@ -55,6 +55,9 @@ private:
     HashTable<String*> table_;
     StringPool pool_;
     unsigned int seed_;
+    /// The string that add registered last, and its hash; null when none.
+    const String* last_ = nullptr;
+    unsigned long long lastHash_ = 0;
     ScopedPtr<orv_StringTable> wrapper_;
 };
 
