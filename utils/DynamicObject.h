@@ -384,8 +384,9 @@ private:
         /// Takes the text of a key whose first `kept` characters the recorded one has already.
         void recordText(const char* key, unsigned int kept, unsigned int recorded)
         {
-            if (recorded > kept) {
-                std::memcpy(text + kept, key + kept, recorded - kept);
+            // A few characters at most: a loop costs less than a call.
+            for (unsigned int i = kept; i < recorded; ++i) {
+                text[i] = key[i];
             }
             length = recorded;
             nextElement = 0;

@@ -42,13 +42,9 @@ DynamicObjectBuilder::DynamicObjectBuilder(DynamicObject& object, unsigned int p
     types_.push_back(object.getType(start));
 }
 
-DynamicObject::InsertionTrail& DynamicObjectBuilder::currentTrail()
+void DynamicObjectBuilder::growTrails(std::size_t depth)
 {
-    const std::size_t depth = properties_.size();
-    if (trails_.size() < depth) {
-        trails_.resize(depth);
-    }
-    return trails_[depth - 1];
+    trails_.resize(depth);
 }
 
 void DynamicObjectBuilder::setPendingChild(unsigned int child, const DynamicObject::InsertionTrail& trail)
@@ -56,18 +52,6 @@ void DynamicObjectBuilder::setPendingChild(unsigned int child, const DynamicObje
     pendingChild_ = child;
     freshValue_ = trail.madeValue;
     freshStamp_ = object_.shapeStamp_;
-}
-
-DynamicObject::Node* DynamicObjectBuilder::takeFreshValue()
-{
-    DynamicObject::Node* value = freshValue_;
-    if (value == nullptr || pendingChild_ == 0 || !object_.listeners_.empty() || object_.shapeStamp_ != freshStamp_) {
-        pushPendingChild();
-        return nullptr;
-    }
-    pendingChild_ = 0;
-    freshValue_ = nullptr;
-    return value;
 }
 
 bool DynamicObjectBuilder::beginProperty(type::Type type)

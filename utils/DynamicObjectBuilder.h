@@ -48,7 +48,15 @@ private:
     /// The current property for a scalar store, or 0 when there is none.
     unsigned int currentForScalar(type::Type type);
     /// Where the last child of the container at the top of the stacks was added.
-    DynamicObject::InsertionTrail& currentTrail();
+    DynamicObject::InsertionTrail& currentTrail()
+    {
+        const std::size_t depth = properties_.size();
+        if (trails_.size() < depth) {
+            growTrails(depth);
+        }
+        return trails_[depth - 1];
+    }
+    void growTrails(std::size_t depth);
     /// Takes a child just added to the container at the top as the pending one, and remembers its
     /// value node if the insertion made it.
     void setPendingChild(unsigned int child, const DynamicObject::InsertionTrail& trail);
@@ -67,7 +75,18 @@ private:
     /// null, nothing listens to the object and no node was released since: a scalar is then stored
     /// there directly, which is all that pushing the child, the store and the pop would come to.
     /// Null otherwise, with the pending child pushed, and the event takes the ordinary way.
-    DynamicObject::Node* takeFreshValue();
+    DynamicObject::Node* takeFreshValue()
+    {
+        DynamicObject::Node* value = freshValue_;
+        if (value == nullptr || pendingChild_ == 0 || !object_.listeners_.empty()
+            || object_.shapeStamp_ != freshStamp_) {
+            pushPendingChild();
+            return nullptr;
+        }
+        pendingChild_ = 0;
+        freshValue_ = nullptr;
+        return value;
+    }
 
     Vector<unsigned int> properties_;
     Vector<type::Type> types_;
