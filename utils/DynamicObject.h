@@ -343,9 +343,9 @@ private:
         /// The node the key was walked from; 0 when nothing is recorded.
         unsigned int start = 0;
         /// The property whose children the keys are (the root for its own), 0 for the elements of
-        /// an array; set by every insertion that records the trail, with `start`. Its value node
-        /// once known, null until then.
+        /// an array; set by every insertion that records the trail, with `start`.
         unsigned int owner = 0;
+        /// The owner's value node once an insertion has looked it up, null until then.
         Node* ownerValue = nullptr;
         unsigned int length = 0;
         /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
@@ -376,6 +376,7 @@ private:
             bound[position] = boundIndex;
             boundCharacter[position] = boundSplit;
         }
+        /// Gives the trail a new owner, with its value node if known.
         void setOwner(unsigned int property, Node* value = nullptr)
         {
             owner = property;

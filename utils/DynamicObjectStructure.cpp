@@ -265,7 +265,6 @@ bool DynamicObject::hasChild(const char* parentKey, unsigned int parentLength, c
 
 unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, InsertionTrail* trail)
 {
-    unsigned int element = 0;
     if (trail != nullptr) {
         // Elements hang behind no `.`: a trail that records them is no object's, whatever object
         // it served before.
@@ -273,17 +272,18 @@ unsigned int DynamicObject::addElement(unsigned int array, unsigned int index, I
     }
     char key[arrayKeyCapacity];
     const unsigned int length = formatArrayKey(index, key);
-    element = trail != nullptr ? addElementAlong(array, index, key, length, *trail) : 0;
-    if (element == 0) {
-        bool added;
-        unsigned int valueIndex;
-        KeyPlace place{0, 0};
-        if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {
-            return 0;
-        }
-        // An element's piece is its index and closing bracket, from behind the `[`.
-        indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
+    unsigned int element = trail != nullptr ? addElementAlong(array, index, key, length, *trail) : 0;
+    if (element != 0) {
+        return element;
     }
+    bool added;
+    unsigned int valueIndex;
+    KeyPlace place{0, 0};
+    if (addProperty(array, key, length, added, element, valueIndex, &place, trail) == nullptr) {
+        return 0;
+    }
+    // An element's piece is its index and closing bracket, from behind the `[`.
+    indexChild(place.firstLevel, key + 1, length - 1, place.level, index + 1);
     return element;
 }
 
