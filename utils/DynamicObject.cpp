@@ -754,7 +754,7 @@ unsigned int DynamicObject::appendElement(unsigned int array, InsertionTrail* tr
     if (trail != nullptr) {
         // The trail now records this element: the next one may count up from it.
         trail->nextElement = count + 1;
-        trail->arrayValue = value;
+        trail->ownerValue = value;
     }
     return element;
 }

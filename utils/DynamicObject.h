@@ -345,7 +345,8 @@ private:
         /// The property whose children the keys are (the root for its own), 0 for the elements of
         /// an array; set by every insertion that records the trail, with `start`.
         unsigned int owner = 0;
-        /// The owner's value node once an insertion has looked it up, null until then.
+        /// The value node of the property whose children the keys are (the owner, or the array of
+        /// the elements) once an insertion has looked it up, null until then.
         Node* ownerValue = nullptr;
         unsigned int length = 0;
         /// shapeStamp_ when recorded: any change of the tree but the addition of keys makes it stale.
@@ -362,10 +363,9 @@ private:
         /// The value node of the property that the last insertion made, still null; null when it
         /// made none.
         Node* madeValue = nullptr;
-        /// When the recorded key is the last element of the array `start`: the index of the next one,
-        /// and the array's value node. 0 otherwise.
+        /// When the recorded key is the last element of the array `start`, whose value node is
+        /// `ownerValue`: the index of the next one. 0 otherwise.
         unsigned int nextElement = 0;
-        Node* arrayValue = nullptr;
 
         /// Records where character `position` was found or made, and what bounded it.
         void recordStep(unsigned int position, unsigned int index, Node* node, unsigned int boundIndex,
@@ -433,8 +433,17 @@ private:
     /// The next child of a property under reset to reset and erase, 0 when there is none (or, for
     /// an array, a missing element, with `pending` set).
     unsigned int nextChildToReset(ResetFrame& frame);
-    /// Makes the new tail of a key from `position` (its characters, its end and its value) as one
-    /// run of slots, recording it on `trail` up to `recorded` characters; null, with nothing
+    /// `length` consecutive slots from the last block, cleared, with the index of the first in
+    /// `first`: what the one-by-one allocation would hand out when no released slot waits and the
+    /// block has room. Null otherwise, with nothing taken.
+    Node* takeRun(unsigned int length, unsigned int& first);
+    /// Writes the new tail of a key from `position` (its characters, its end and its value) into
+    /// `run`, whose first node is `first`, hangs it on `link`, and records it on `trail` up to
+    /// `recorded` characters; returns the end of the key.
+    Node* fillKeyRun(Node* run, unsigned int first, unsigned int* link, const char* key, unsigned int position,
+                     unsigned int length, InsertionTrail* trail, unsigned int recorded, unsigned int bound,
+                     signed char boundCharacter, unsigned int*& firstLink, unsigned int& endOfKeyIndex);
+    /// Takes a run for the new tail of a key from `position` and fills it; null, with nothing
     /// changed, when released slots wait or the last block has no room for it.
     Node* makeKeyRun(unsigned int* link, const char* key, unsigned int position, unsigned int length,
                      InsertionTrail* trail, unsigned int recorded, unsigned int bound, signed char boundCharacter,
@@ -485,22 +494,10 @@ private:
     // The side index of the trie (never saved): shortcuts for the pieces of keys on the levels
     // where a walk is long. Kept by every change of structure; lookups only read it.
     /// Records that a walk from `stand` over `piece` goes on from `target`, the child just made
-    /// being one of `count` under that stand; the level is indexed once it is worth it.
-    void indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
-                    unsigned long long count)
-    {
-        // Until some level is worth it there is no index: a small level of short names is passed
-        // over here, as indexLevelOfChild would pass it over.
-        if (index_ == nullptr && stand != root_ && count < indexedChildCount && length < indexedNameLength) {
-            return;
-        }
-        indexLevelOfChild(stand, piece, length, target, count);
-    }
-    void indexLevelOfChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
-                           unsigned long long count);
-    // The thresholds of the side index (impl::DynamicObjectIndex), for the test above.
-    static constexpr unsigned int indexedChildCount = 32;
-    static constexpr unsigned int indexedNameLength = 4;
+    /// being one of `count` under that stand; the level is indexed once it is worth it. Defined
+    /// with the index (impl::DynamicObjectIndex), inline.
+    inline void indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                    unsigned long long count);
     /// Takes out the shortcut of a child about to be erased.
     void forgetChild(unsigned int stand, const char* piece, unsigned int length);
     /// Records the shortcuts of every child under `stand`, and marks the level as indexed.

@@ -154,10 +154,13 @@ bool DynamicObjectBuilder::real(double value)
 
 bool DynamicObjectBuilder::string(const char* value, unsigned int size)
 {
-    if (value == nullptr) {
+    // A null text takes the ordinary way, which reports it.
+    DynamicObject::Node* fresh = nullptr;
+    if (value != nullptr) {
+        fresh = takeFreshValue();
+    } else {
         pushPendingChild();
     }
-    DynamicObject::Node* fresh = value != nullptr ? takeFreshValue() : nullptr;
     if (fresh != nullptr) {
         fresh->value.type = type::string;
         fresh->setPayload(object_.stringTable_->add(value, size, nullptr));

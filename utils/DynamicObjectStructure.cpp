@@ -6,6 +6,7 @@
 #include <orv/utils/AbstractPropertyParser.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/impl/DynamicObjectHelpers.h>
+#include <orv/utils/impl/DynamicObjectIndex.h>
 #include <orv/utils/impl/DynamicObjectPropertyChildrenIterator.h>
 
 #include <cstring>

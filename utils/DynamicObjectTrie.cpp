@@ -205,27 +205,31 @@ inline unsigned int DynamicObject::followTrail(const InsertionTrail& trail, cons
     return position;
 }
 
-// Every insertion of a new key ends here: kept inline in both callers.
-__attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKeyRun(unsigned int* link, const char* key, unsigned int position,
-                                               unsigned int length, InsertionTrail* trail, unsigned int recorded,
-                                               unsigned int bound, signed char boundCharacter, unsigned int*& firstLink,
-                                               unsigned int& endOfKeyIndex)
+// Every insertion of a new key takes its nodes here: kept inline in its callers.
+__attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::takeRun(unsigned int length,
+                                                                                  unsigned int& first)
 {
-    // With no released slot waiting and room left in the last block, the one-by-one allocation
-    // would hand out consecutive slots: they are cleared and linked here as one run.
     const unsigned int blockSize = nodeAllocator_->blockSize_;
-    const unsigned int runLength = length - position + 2;
-    if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < runLength) {
+    if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < length) {
         return nullptr;
     }
     const unsigned int slot = lastBlockUsed_;
-    lastBlockUsed_ += runLength;
-    const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
+    lastBlockUsed_ += length;
+    first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
     Node* run = blocks_.back() + slot;
     // A run is a handful of nodes: one store each clears them, where a call would cost more.
-    for (unsigned int i = 0; i < runLength; ++i) {
+    for (unsigned int i = 0; i < length; ++i) {
         std::memset(static_cast<void*>(run + i), 0, sizeof(Node));
     }
+    return run;
+}
+
+__attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::fillKeyRun(
+    Node* run, unsigned int first, unsigned int* link, const char* key, unsigned int position, unsigned int length,
+    InsertionTrail* trail, unsigned int recorded, unsigned int bound, signed char boundCharacter,
+    unsigned int*& firstLink, unsigned int& endOfKeyIndex)
+{
+    const unsigned int runLength = length - position + 2;
     *link = first;
     for (unsigned int i = 0; position < length; ++i, ++position) {
         run[i].trie.splitChar = static_cast<signed char>(key[position]);
@@ -244,6 +248,18 @@ __attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKe
     run[runLength - 1].value.isValue = 1;
     run[runLength - 1].value.type = type::null;
     return endOfKey;
+}
+
+__attribute__((always_inline)) inline DynamicObject::Node* DynamicObject::makeKeyRun(unsigned int* link, const char* key, unsigned int position,
+                                               unsigned int length, InsertionTrail* trail, unsigned int recorded,
+                                               unsigned int bound, signed char boundCharacter, unsigned int*& firstLink,
+                                               unsigned int& endOfKeyIndex)
+{
+    unsigned int first = 0;
+    Node* run = takeRun(length - position + 2, first);
+    return run == nullptr ? nullptr
+                          : fillKeyRun(run, first, link, key, position, length, trail, recorded, bound, boundCharacter,
+                                       firstLink, endOfKeyIndex);
 }
 
 // Kept inline in both of its callers below.
@@ -290,19 +306,21 @@ unsigned int DynamicObject::addFirstChildAlong(unsigned int parent, const char* 
         || (parentValue->value.type != type::null && parentValue->value.type != type::object)) {
         return 0;
     }
-    const unsigned int blockSize = nodeAllocator_->blockSize_;
-    if (firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < length + 3) {
+    // The `.`, the child's characters, the end of its key and its value.
+    unsigned int separator = 0;
+    Node* const run = takeRun(length + 3, separator);
+    if (run == nullptr) {
         return 0;
     }
-    unsigned int separator;
-    Node* const dot = allocateNode('.', separator);
+    run[0].trie.splitChar = '.';
     node->trie.greater = separator;
     const unsigned int recorded = length < InsertionTrail::depth ? length : InsertionTrail::depth;
-    unsigned int* firstLink = &dot->trie.equal;
+    unsigned int* firstLink = &run[0].trie.equal;
     unsigned int endOfKeyIndex = 0;
-    Node* const endOfKey = makeKeyRun(&dot->trie.equal, key, 0, length, &trail, recorded, 0, 0, firstLink, endOfKeyIndex);
+    Node* const endOfKey = fillKeyRun(run + 1, separator + 1, &run[0].trie.equal, key, 0, length, &trail, recorded, 0,
+                                      0, firstLink, endOfKeyIndex);
     trail.recordText(key, 0, recorded);
-    trail.start = dot->trie.equal;
+    trail.start = separator + 1;
     trail.stamp = shapeStamp_;
     trail.setOwner(parent, parentValue);
     trail.madeValue = endOfKey + 1;
@@ -333,11 +351,7 @@ unsigned int DynamicObject::addChildAlong(unsigned int parent, const char* key, 
     const unsigned long long count = parentValue->value.type == type::object ? parentValue->getPayload() : 0;
     parentValue->setPayload(count + 1);
     parentValue->value.type = type::object;
-    const unsigned int stand = trail.start;
-    if (stand == root_ || count + 1 >= indexedChildCount || (index_ != nullptr && index_->isIndexed(stand))
-        || impl::DynamicObjectIndex::isWorthIndexing(count + 1, key, length)) {
-        indexLevelOfChild(stand, key, length, property, count + 1);
-    }
+    indexChild(trail.start, key, length, property, count + 1);
     return property;
 }
 
@@ -360,7 +374,7 @@ unsigned int DynamicObject::appendNextElementAlong(unsigned int array, Insertion
         return 0;
     }
     // No node was released since the trail was recorded, so the array's value node is still its own.
-    Node* const arrayValue = trail.arrayValue;
+    Node* const arrayValue = trail.ownerValue;
     if (arrayValue->value.type != type::array || arrayValue->getPayload() != index || index >= maximumArraySize) {
         return 0;
     }
@@ -378,17 +392,15 @@ unsigned int DynamicObject::appendNextElementAlong(unsigned int array, Insertion
         return 0;
     }
     unsigned int* const link = &trail.matchedNode[last]->trie.greater;
-    // The digit, the bracket, the end of the key and the value.
-    constexpr unsigned int runLength = 4;
-    const unsigned int blockSize = nodeAllocator_->blockSize_;
-    if (*link != 0 || firstFreeNode_ != 0 || lastBlockUsed_ >= blockSize || blockSize - lastBlockUsed_ < runLength) {
+    if (*link != 0) {
         return 0;
     }
-    const unsigned int slot = lastBlockUsed_;
-    lastBlockUsed_ += runLength;
-    const unsigned int first = static_cast<unsigned int>(blocks_.size() - 1) * blockSize + slot + 1;
-    Node* run = blocks_.back() + slot;
-    std::memset(static_cast<void*>(run), 0, runLength * sizeof(Node));
+    // The digit, the bracket, the end of the key and the value.
+    unsigned int first = 0;
+    Node* const run = takeRun(4, first);
+    if (run == nullptr) {
+        return 0;
+    }
     *link = first;
     run[0].trie.splitChar = digit;
     run[0].trie.equal = first + 1;
@@ -404,13 +416,9 @@ unsigned int DynamicObject::appendNextElementAlong(unsigned int array, Insertion
     trail.nextElement = index + 1;
     arrayValue->setPayload(index + 1);
     // As addElement gives the element its shortcut: its piece is its index and closing bracket,
-    // from the level behind the `[`. A piece that short makes a level worth indexing by the count
-    // of its children alone.
+    // from the level behind the `[`.
     const unsigned int element = first + 2;
-    const unsigned int stand = trail.matchedNode[0]->trie.equal;
-    if (index + 1 >= indexedChildCount || (index_ != nullptr && index_->isIndexed(stand))) {
-        indexLevelOfChild(stand, trail.text + 1, trail.length - 1, element, index + 1);
-    }
+    indexChild(trail.matchedNode[0]->trie.equal, trail.text + 1, trail.length - 1, element, index + 1);
     return element;
 }
 
@@ -782,23 +790,6 @@ unsigned int unpackPiece(unsigned long long piece, char* text)
 }
 
 } // namespace
-
-void DynamicObject::indexLevelOfChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
-                                      unsigned long long count)
-{
-    static_assert(indexedChildCount == DynamicObjectIndex::indexedChildCount &&
-                      indexedNameLength == DynamicObjectIndex::indexedNameLength,
-                  "the quick test of indexChild follows the index's thresholds");
-    if (stand == 0 || target == 0) {
-        return;
-    }
-    if (index_ != nullptr && index_->isIndexed(stand)) {
-        index_->add(stand, piece, length, target);
-    } else if (stand == root_ || DynamicObjectIndex::isWorthIndexing(count, piece, length)) {
-        // The top level is met by every lookup by path.
-        indexLevel(stand);
-    }
-}
 
 void DynamicObject::forgetChild(unsigned int stand, const char* piece, unsigned int length)
 {

@@ -2,6 +2,7 @@
 #define ORV_UTILS_IMPL_DYNAMICOBJECTINDEX_H
 
 #include <orv/utils/Common.h>
+#include <orv/utils/DynamicObject.h>
 
 #include <cstddef>
 
@@ -199,6 +200,23 @@ private:
 };
 
 } // namespace impl
+
+// Every insertion reaches the index through here, and most levels are neither indexed nor worth
+// it: the test stays inline in the insertion paths.
+inline void DynamicObject::indexChild(unsigned int stand, const char* piece, unsigned int length, unsigned int target,
+                                      unsigned long long count)
+{
+    if (stand == 0 || target == 0) {
+        return;
+    }
+    if (index_ != nullptr && index_->isIndexed(stand)) {
+        index_->add(stand, piece, length, target);
+    } else if (stand == root_ || impl::DynamicObjectIndex::isWorthIndexing(count, piece, length)) {
+        // The top level is met by every lookup by path.
+        indexLevel(stand);
+    }
+}
+
 } // namespace utils
 } // namespace orv
 
