@@ -240,6 +240,39 @@ void Allocator::deallocate(void* pointer, std::size_t)
     }
 }
 
+void* Allocator::reallocate(void* pointer, std::size_t size, const char* file, unsigned int line)
+{
+    if (pointer == nullptr) {
+        return allocate(size, file, line);
+    }
+    State& s = state();
+    unsigned char* user = static_cast<unsigned char*>(pointer);
+    Prefix* prefix = reinterpret_cast<Prefix*>(user - sizeof(Prefix));
+    const std::size_t oldSize = prefix->size;
+    if ((prefix->flags & trackedFlag) != 0 || s.tracking.load(std::memory_order_relaxed)) {
+        // A tracked block is linked through its header, and a block made while tracking is on
+        // must be listed with this origin: both take a new block.
+        void* moved = allocate(size, file, line);
+        if (moved == nullptr) {
+            return nullptr;
+        }
+        std::memcpy(moved, pointer, oldSize < size ? oldSize : size);
+        deallocate(pointer);
+        return moved;
+    }
+    if (size > SIZE_MAX - untrackedHeader) {
+        return nullptr;
+    }
+    unsigned char* raw = static_cast<unsigned char*>(std::realloc(user - untrackedHeader, untrackedHeader + size));
+    if (raw == nullptr) {
+        return nullptr;
+    }
+    reinterpret_cast<Prefix*>(raw)->size = size;
+    s.liveBytes.fetch_add(size, std::memory_order_relaxed);
+    s.liveBytes.fetch_sub(oldSize, std::memory_order_relaxed);
+    return raw + untrackedHeader;
+}
+
 std::size_t Allocator::getLiveBlockCount() const
 {
     return state().liveBlocks.load(std::memory_order_relaxed);

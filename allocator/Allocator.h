@@ -29,6 +29,11 @@ public:
     void* allocate(std::size_t size, const char* file = nullptr, unsigned int line = 0);
     /// `size` is informative only: the block knows its size. Null is ignored.
     void deallocate(void* pointer, std::size_t size = 0);
+    /// Moves a block to a new size, keeping its first bytes (as many as both sizes hold); null
+    /// when the system has no memory left, the old block then kept as it was. A large block can
+    /// grow in place or have its pages moved rather than copied, which a growing buffer needs.
+    /// Null `pointer` allocates.
+    void* reallocate(void* pointer, std::size_t size, const char* file = nullptr, unsigned int line = 0);
 
     std::size_t getLiveBlockCount() const;
     std::size_t getLiveByteCount() const;

@@ -57,15 +57,13 @@ bool DynamicBufferInputOutput::writeGrowing(const char* buffer, unsigned int siz
         if (grown > largest) {
             grown = largest;
         }
-        char* larger = static_cast<char*>(allocator::Allocator::instance().allocate(grown, __FILE__, __LINE__));
+        // Moved rather than copied: a large buffer's pages change place without being touched.
+        char* larger
+            = static_cast<char*>(allocator::Allocator::instance().reallocate(bytes_, grown, __FILE__, __LINE__));
         if (larger == nullptr) {
             ORV_LOG_ERROR(logger, error::badAllocation, "Unable to allocate " << grown << " bytes for the buffer.");
             return false;
         }
-        if (size_ != 0) {
-            std::memcpy(larger, bytes_, size_);
-        }
-        allocator::Allocator::instance().deallocate(bytes_, capacity_);
         bytes_ = larger;
         capacity_ = static_cast<unsigned int>(grown);
     }

@@ -46,6 +46,49 @@ TEST(Allocator, CountsLiveBlocksAndBytesAndListsTrackedOnesWithTheirOrigin)
     EXPECT_EQ(allocator.allocate(static_cast<std::size_t>(-1)), nullptr);
 }
 
+TEST(Allocator, ReallocationKeepsTheBytesAndTheCountsWhetherTheBlockIsTrackedOrNot)
+{
+    Allocator& allocator = Allocator::instance();
+    const bool tracking = allocator.isBlockTracking();
+    const std::size_t bytes = allocator.getLiveByteCount();
+    const std::size_t blocks = allocator.getLiveBlockCount();
+    for (const bool tracked : {false, true}) {
+        allocator.setBlockTracking(tracked);
+        const unsigned long long mark = allocator.getNextSerial();
+        // Past the sizes the allocator keeps for reuse, and large enough to be mapped on its own.
+        unsigned char* block = static_cast<unsigned char*>(allocator.reallocate(nullptr, 100, "a.cpp", 1));
+        ASSERT_NE(block, nullptr);
+        for (std::size_t i = 0; i < 100; ++i) {
+            block[i] = static_cast<unsigned char>(i * 7);
+        }
+        for (const std::size_t size : {std::size_t(5000), std::size_t(1) << 22, std::size_t(60)}) {
+            block = static_cast<unsigned char*>(allocator.reallocate(block, size, "b.cpp", 2));
+            ASSERT_NE(block, nullptr);
+            EXPECT_EQ(allocator.getLiveByteCount(), bytes + size);
+            EXPECT_EQ(allocator.getLiveBlockCount(), blocks + 1);
+            for (std::size_t i = 0; i < 60; ++i) {
+                ASSERT_EQ(block[i], static_cast<unsigned char>(i * 7)) << size;
+            }
+            // The whole new size is usable.
+            block[size - 1] = static_cast<unsigned char>((size - 1) * 7);
+        }
+        std::size_t listed = 0;
+        allocator.forEachLiveBlock(mark, [&listed](const BlockInfo& info) {
+            EXPECT_EQ(std::string(info.file) + ":" + std::to_string(info.line) + ":" + std::to_string(info.size),
+                      "b.cpp:2:60");
+            ++listed;
+        });
+        EXPECT_EQ(listed, tracked ? 1u : 0u);
+        // Too large: the old block stays as it was.
+        EXPECT_EQ(allocator.reallocate(block, static_cast<std::size_t>(-1)), nullptr);
+        EXPECT_EQ(block[59], static_cast<unsigned char>(59 * 7));
+        allocator.deallocate(block);
+    }
+    allocator.setBlockTracking(tracking);
+    EXPECT_EQ(allocator.getLiveByteCount(), bytes);
+    EXPECT_EQ(allocator.getLiveBlockCount(), blocks);
+}
+
 namespace {
 
 struct Counted {
