@@ -61,11 +61,45 @@ void DynamicObjectIterator::initialize(unsigned int property)
     currentProperty_ = property;
 }
 
+namespace {
+
+using Walk = impl::DynamicObjectPropertyChildrenIterator;
+
+/// The walk's stacks in the iterator's Vectors, whose sizes are only the room: the counts in use
+/// are kept beside them. They grow by doubling.
+struct VectorWalkStorage {
+    void growNodes(Walk::Stacks& stacks)
+    {
+        const std::size_t room = nodes.size() < 8 ? 16 : nodes.size() * 2;
+        nodes.resize(room);
+        links.resize(room);
+        stacks.nodes = nodes.data();
+        stacks.links = links.data();
+        stacks.room = static_cast<unsigned int>(room);
+    }
+    void growKey(Walk::Stacks& stacks)
+    {
+        const std::size_t room = key.size() < 8 ? 16 : key.size() * 2;
+        key.resize(room);
+        stacks.key = key.data();
+        stacks.keyRoom = static_cast<unsigned int>(room);
+    }
+
+    Vector<unsigned int>& nodes;
+    Vector<unsigned char>& links;
+    Vector<char>& key;
+};
+
+} // namespace
+
 inline void DynamicObjectIterator::step(unsigned int& child)
 {
-    impl::VectorStack<unsigned int> stack(walk_, walkDepth_);
-    impl::VectorStack<char> key(keys_, walkKeyLength_);
-    impl::DynamicObjectPropertyChildrenIterator::advance(object_, walkStart_, walkStartValue_, child, stack, key);
+    Walk::Stacks stacks{walk_.data(), walkLinks_.data(), keys_.data(), walkDepth_,
+                        static_cast<unsigned int>(walk_.size()), walkKeyLength_, static_cast<unsigned int>(keys_.size())};
+    VectorWalkStorage storage{walk_, walkLinks_, keys_};
+    Walk::step(Walk::Nodes(object_), Walk::Start{walkStart_, walkStartValue_, 0, 0}, child, stacks, storage);
+    walkDepth_ = stacks.depth;
+    walkKeyLength_ = stacks.keyLength;
 }
 
 void DynamicObjectIterator::restart(unsigned int property)

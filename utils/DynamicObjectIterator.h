@@ -93,6 +93,8 @@ private:
     /// only its room); 0 otherwise, and once the walk has ended. The key store holds the walk's
     /// key buffer, `walkKeyLength_` bytes of it in use.
     Vector<unsigned int> walk_;
+    /// Beside each entry of the node stack, the link that led to it.
+    Vector<unsigned char> walkLinks_;
     unsigned int walkDepth_;
     unsigned int walkKeyLength_;
     /// The object whose children are walked, and the index of its value node.

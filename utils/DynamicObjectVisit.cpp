@@ -4,7 +4,6 @@
 
 #include <orv/utils/AbstractObjectBuilder.h>
 #include <orv/utils/AbstractPropertyParser.h>
-#include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
 #include <orv/utils/details/Logging.h>
 #include <orv/utils/impl/DynamicObjectPropertyChildrenIterator.h>
@@ -82,27 +81,32 @@ bool DynamicObject::checkNesting(std::size_t steps, unsigned long long elementCo
 
 bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder& builder) const
 {
-    // The walk keeps its own stack of open arrays and objects rather than recursing, and one
-    // children iterator per level of object nesting, restarted for every object met at that
-    // level: a document costs allocations per level of objects, not per object. The first 64
-    // levels of the stack live here, so that arrays of scalars allocate nothing, as when the
-    // walk recursed.
+    using Walk = impl::DynamicObjectPropertyChildrenIterator;
+    // The visit keeps its own stack of open arrays and objects rather than recursing. The walks
+    // that list the children of open objects share one set of stacks, each nested walk above the
+    // one that found its object, and keep their state there between children: one step of a walk
+    // goes from a child to the next without starting over. The first levels live here, so that a
+    // document of modest nesting allocates nothing.
     struct Level {
         unsigned int property;
-        // For an array, the next position and the size; for an object, its iterator's slot and
-        // the children sent so far.
+        // For an array, the next position and the size; for an object, the children sent so far.
         unsigned int index;
         unsigned int count;
         bool isObject;
+        // For an object, its children walk and the child it is at.
+        Walk::Start walk;
+        unsigned int child;
     };
     impl::InlineStack<Level, 64> levels;
-    Vector<DynamicObjectIterator> iterators;
-    unsigned int objectDepth = 0;
+    Walk::Storage<64, 128> storage;
+    Walk::Stacks& stacks = storage.stacks;
+    const Walk::Nodes nodes(*this);
 
     // The property whose value goes out next, and its value node: one look-up serves the type and
     // the value, and the walks of objects and arrays find the node on their way to the child.
     unsigned int current = property;
-    const Node* value = findValueNode(current);
+    unsigned int valueIndex = 0;
+    const Node* value = findValueNode(getNode(current), valueIndex);
     bool valueDue = true;
     for (;;) {
         if (valueDue) {
@@ -124,7 +128,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 if (!checkNesting(levels.size(), static_cast<unsigned long long>(value->getPayload()))) {
                     return false;
                 }
-                levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false});
+                levels.push_back(Level{current, 0, static_cast<unsigned int>(value->getPayload()), false, {}, 0});
                 break;
             case type::object:
                 if (!builder.beginObject()) {
@@ -133,12 +137,9 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 if (!checkNesting(levels.size(), 0)) {
                     return false;
                 }
-                if (objectDepth == iterators.size()) {
-                    iterators.emplace_back(*this, current, 0);
-                } else {
-                    iterators[objectDepth].restart(current);
-                }
-                levels.push_back(Level{current, objectDepth++, 0, true});
+                // The root's children hang off the root itself, as every property's hang off its end of key.
+                levels.push_back(Level{current, 0, 0, true,
+                                       Walk::Start{current, valueIndex, stacks.depth, stacks.keyLength}, current});
                 break;
             default:
                 ORV_LOG_ERROR(builder.getLogger(), error::invalidConfiguration,
@@ -152,18 +153,27 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
         Level& level = levels.back();
         if (level.isObject) {
             // The children that hold scalars go out here; an array or object goes round the outer loop.
-            DynamicObjectIterator& children = iterators[level.index];
             valueDue = false;
-            for (children.next(); !children.end(); children.next()) {
+            for (;;) {
+                const Node* childValue = Walk::step(nodes, level.walk, level.child, stacks, storage);
+                if (childValue == nullptr) {
+                    break;
+                }
                 if (!checkNesting(++level.count, 0)) {
                     return false;
                 }
-                if (!builder.objectChild(children.getKey(), children.getKeyLength())) {
+                const char* key = stacks.key + level.walk.keyLength;
+                const unsigned int keyLength = stacks.keyLength - level.walk.keyLength;
+                if (!builder.objectChild(Walk::keyOf(key, keyLength), Walk::keyLengthOf(key, keyLength))) {
                     return false;
                 }
-                current = children.getProperty();
-                const unsigned int valueIndex = children.getWalkValue();
-                value = valueIndex != 0 ? getNode(valueIndex) : nullptr;
+                // The child is the end-of-key node below its value node, and its key ends with the
+                // end-of-key character; only broken nodes give anything else, and no value then.
+                const unsigned int entries = stacks.depth - level.walk.depth;
+                current = entries >= 2 ? stacks.nodes[stacks.depth - 2] : 0;
+                const bool atValue = keyLength != 0 && key[keyLength - 1] == '\0';
+                valueIndex = atValue ? stacks.nodes[stacks.depth - 1] : 0;
+                value = atValue ? childValue : nullptr;
                 const unsigned int childType = typeOf(value);
                 if (childType > type::boolean) {
                     valueDue = true;
@@ -179,7 +189,6 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
             if (!builder.endObject()) {
                 return false;
             }
-            --objectDepth;
         } else {
             if (level.index < level.count) {
                 if (!builder.arrayChild()) {
@@ -188,7 +197,6 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 // As getChild finds an element, without asking the array's type again.
                 char key[16];
                 const unsigned int length = formatArrayKey(level.index++, key);
-                unsigned int valueIndex;
                 value = findValueNode(level.property, key, length, current, valueIndex);
                 valueDue = true;
                 continue;

@@ -10,9 +10,17 @@
 #include <orv/utils/DynamicObjectIterator.h>
 #include <orv/utils/StringTable.h>
 
+#include <orv/utils/DynamicBufferInputOutput.h>
+#include <orv/utils/JsonSerializer.h>
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 using orv::test::dump;
 using orv::test::RecordingBuilder;
@@ -225,4 +233,106 @@ TEST(DynamicObjectVisit, AllocatesPerLevelOfNestingNotPerObjectOrElement)
         nested += " beginArray child";
     }
     EXPECT_NE(builder.line().find(nested + " bool(true) endArray"), std::string::npos);
+}
+
+namespace {
+
+/// A document kept as plain maps, ordered as the trie orders keys of letters and digits: byte by
+/// byte, a key before the keys it is a prefix of.
+struct ModelObject {
+    std::map<std::string, std::unique_ptr<ModelObject>> objects;
+    std::map<std::string, int> integers;
+};
+
+std::string modelJson(const ModelObject& object)
+{
+    std::map<std::string, std::string> members;
+    for (const auto& entry : object.integers) {
+        members[entry.first] = std::to_string(entry.second);
+    }
+    for (const auto& entry : object.objects) {
+        members[entry.first] = modelJson(*entry.second);
+    }
+    std::string text = "{";
+    for (const auto& member : members) {
+        text += (text.size() > 1 ? ",\"" : "\"") + member.first + "\":" + member.second;
+    }
+    return text + "}";
+}
+
+} // namespace
+
+TEST(DynamicObjectVisit, NestedWalksSharingTheirStacksGiveEachObjectItsOwnChildrenInOrder)
+{
+    // Random documents of letter and digit keys, written in a shuffled order, against maps. Each
+    // has one chain of objects 90 deep with long keys, so that the walks of the open objects,
+    // stacked above each other, outgrow the room the visit starts with, in nodes and in key bytes.
+    std::mt19937 random(20261122);
+    const std::string alphabet = "abcxyzAB019";
+    for (int round = 0; round < 30; ++round) {
+        ModelObject model;
+        std::vector<std::pair<std::string, int>> writes;
+        const auto randomKey = [&](std::size_t longest) {
+            std::string key(1 + random() % longest, 'a');
+            for (char& c : key) {
+                c = alphabet[random() % alphabet.size()];
+            }
+            return key;
+        };
+        // Leaves anywhere on the chain or in short branches off it.
+        std::vector<std::string> chain;
+        ModelObject* deepest = &model;
+        std::vector<ModelObject*> chainObjects{&model};
+        for (int level = 0; level < 90; ++level) {
+            std::string key = level % 10 == 0 ? randomKey(20) + std::string(40, 'q') : randomKey(3);
+            auto& slot = deepest->objects[key];
+            if (slot == nullptr) {
+                slot.reset(new ModelObject);
+            }
+            deepest->integers.erase(key);
+            deepest = slot.get();
+            chain.push_back(key);
+            chainObjects.push_back(deepest);
+        }
+        for (int leaf = 0; leaf < 400; ++leaf) {
+            const std::size_t depth = random() % chainObjects.size();
+            std::string path;
+            for (std::size_t i = 0; i < depth; ++i) {
+                path += (i != 0 ? "." : "") + chain[i];
+            }
+            ModelObject* owner = chainObjects[depth];
+            std::string key = randomKey(4);
+            // Each path is written once: the writes go in shuffled.
+            if (owner->objects.count(key) != 0 || owner->integers.count(key) != 0 ||
+                (depth < chain.size() && key == chain[depth])) {
+                continue;
+            }
+            if (random() % 4 == 0) {
+                // A branch: an object holding one integer.
+                const std::string inner = randomKey(2);
+                auto& branch = owner->objects[key];
+                branch.reset(new ModelObject);
+                branch->integers[inner] = leaf;
+                writes.emplace_back((path.empty() ? "" : path + ".") + key + "." + inner, leaf);
+                continue;
+            }
+            owner->integers[key] = leaf;
+            writes.emplace_back((path.empty() ? "" : path + ".") + key, leaf);
+        }
+        std::string deepPath;
+        for (const std::string& key : chain) {
+            deepPath += (deepPath.empty() ? "" : ".") + key;
+        }
+        deepest->integers["end"] = -1;
+        writes.emplace_back(deepPath + ".end", -1);
+        std::shuffle(writes.begin(), writes.end(), random);
+
+        DynamicObject object;
+        for (const auto& write : writes) {
+            object.setInt(write.first.c_str(), write.second);
+        }
+        orv::utils::DynamicBufferInputOutput output("json");
+        ASSERT_TRUE(orv::utils::serializeDynamicObjectToJson(object, output, nullptr));
+        ASSERT_EQ(std::string(output.data(), output.size()), modelJson(model)) << "round " << round;
+    }
 }

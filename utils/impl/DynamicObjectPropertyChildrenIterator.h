@@ -2,20 +2,14 @@
 #define ORV_UTILS_IMPL_DYNAMICOBJECTPROPERTYCHILDRENITERATOR_H
 
 #include <orv/utils/Common.h>
+#include <orv/utils/DynamicObject.h>
 
+#include <cstddef>
 #include <cstring>
 
 namespace orv {
 namespace utils {
-
-class DynamicObject;
-
 namespace impl {
-
-// The children walk reads and writes its node stack and key buffer through raw pointers kept in
-// locals for the length of a step, and asks the storage for more room only when a push finds it
-// full: the storage says where its entries are (`data`), how many are in use (`size`, `setSize`),
-// how many fit (`capacity`), and grows, keeping the entries in use (`grow`).
 
 /// Storage whose first entries live in the object itself, and which moves to a Vector only when
 /// it outgrows them: a walk of a few levels allocates nothing.
@@ -31,11 +25,7 @@ public:
     InlineStack& operator=(const InlineStack&) = delete;
 
     T* data() { return data_; }
-    const T* data() const { return data_; }
     unsigned int size() const { return size_; }
-    void setSize(unsigned int size) { size_ = size; }
-    unsigned int capacity() const { return capacity_; }
-
     bool empty() const { return size_ == 0; }
     T& back() { return data_[size_ - 1]; }
     void push_back(const T& value)
@@ -47,6 +37,7 @@ public:
     }
     void pop_back() { --size_; }
 
+private:
     void grow()
     {
         Vector<T> larger(static_cast<std::size_t>(capacity_) * 2);
@@ -56,33 +47,11 @@ public:
         capacity_ = static_cast<unsigned int>(overflow_.size());
     }
 
-private:
     T* data_;
     unsigned int size_;
     unsigned int capacity_;
     T inline_[inlineCapacity];
     Vector<T> overflow_;
-};
-
-/// The same over a Vector that someone else keeps, with the count in use kept beside it: the
-/// Vector's own size is only the room, and grows by doubling.
-template <typename T> class VectorStack {
-public:
-    VectorStack(Vector<T>& storage, unsigned int& size)
-        : storage_(storage)
-        , size_(size)
-    {
-    }
-
-    T* data() { return storage_.data(); }
-    unsigned int size() const { return size_; }
-    void setSize(unsigned int size) { size_ = size; }
-    unsigned int capacity() const { return static_cast<unsigned int>(storage_.size()); }
-    void grow() { storage_.resize(storage_.size() < 8 ? 16 : storage_.size() * 2); }
-
-private:
-    Vector<T>& storage_;
-    unsigned int& size_;
 };
 
 /// Lists the direct children of one object property by an in-order walk of the trie below it
@@ -92,6 +61,8 @@ private:
 /// except that `restart` begins a fresh walk after a change.
 class DynamicObjectPropertyChildrenIterator {
 public:
+    using Node = DynamicObject::Node;
+
     /// `property` 0 means the root. Before the first `next` the current child is the start itself.
     DynamicObjectPropertyChildrenIterator(const DynamicObject& object, unsigned int property);
     DynamicObjectPropertyChildrenIterator(const DynamicObjectPropertyChildrenIterator&) = delete;
@@ -105,46 +76,344 @@ public:
     unsigned int getProperty() const { return current_; }
     /// The child's key without the leading `.` of the walk. The end-of-key character that closes
     /// the walk's buffer follows it, so the key is terminated while the child is current.
-    const char* getKey() const
+    const char* getKey() const { return keyOf(storage_.stacks.key, storage_.stacks.keyLength); }
+    unsigned int getKeyLength() const { return keyLengthOf(storage_.stacks.key, storage_.stacks.keyLength); }
+
+    /// The key of a child from the `length` characters the walk pushed for it: without the `.`
+    /// that leads from a property to its children, and (for the length) without the end-of-key
+    /// character that closes it.
+    static const char* keyOf(const char* key, unsigned int length)
     {
-        if (key_.size() == 0) {
+        if (length == 0) {
             return "";
         }
-        return key_.data()[0] == '.' ? key_.data() + 1 : key_.data();
+        return key[0] == '.' ? key + 1 : key;
     }
-    unsigned int getKeyLength() const
+    static unsigned int keyLengthOf(const char* key, unsigned int length)
     {
-        if (key_.size() == 0) {
-            return 0;
-        }
-        // Less the leading `.` and the end-of-key character that closes the buffer.
-        const unsigned int length = key_.size() - 1;
-        return key_.data()[0] == '.' ? length - 1 : length;
+        // Only broken nodes give a child with no key character at all.
+        const unsigned int overhead = 1 + (length != 0 && key[0] == '.' ? 1 : 0);
+        return length > overhead ? length - overhead : 0;
     }
 
-    /// The walk itself, over a node stack and key buffer that its caller keeps between steps:
-    /// moves `current` from `start` (before the first step) or from the last child found to the
-    /// next child, or to 0 at the end, when the stack and the buffer are emptied. At a child the
-    /// stack ends with the child and its value node, and the buffer with the child's key and the
-    /// end-of-key character. `startValue` is the index of the start's value node.
-    template <typename NodeStack, typename KeyBuffer>
-    static void advance(const DynamicObject& object, unsigned int start, unsigned int startValue, unsigned int& current,
-        NodeStack& stack, KeyBuffer& key);
+    // The walk itself, for the iterators and the tree visit, which keep its stacks between steps.
+
+    /// The object's node blocks, read once: nothing changes the object while a walk is open.
+    struct Nodes {
+        explicit Nodes(const DynamicObject& object)
+            : object(object)
+            , blocks(object.blocks_.data())
+            // A block size that is not a power of two takes DynamicObject::getNode for every node.
+            , count(object.blockShift_ != DynamicObject::noBlockShift ? object.blocks_.size() : 0)
+            , shift(object.blockShift_ != DynamicObject::noBlockShift ? object.blockShift_ : 0)
+            , mask((1u << shift) - 1)
+            , nodeCount(object.blocks_.size() * object.getNodeAllocator().getBlockSize())
+        {
+        }
+
+        /// What DynamicObject::getNode gives, with the block table in registers. Index 0 wraps to
+        /// an offset past every block, and so goes to getNode too.
+        const Node* get(unsigned int index) const
+        {
+            const unsigned int offset = index - 1;
+            const std::size_t block = offset >> shift;
+            if (__builtin_expect(block < count, 1)) {
+                return blocks[block] + (offset & mask);
+            }
+            return object.getNode(index);
+        }
+
+        const DynamicObject& object;
+        DynamicObject::Node* const* blocks;
+        std::size_t count;
+        unsigned int shift;
+        unsigned int mask;
+        // No sound walk holds more nodes on its stack, or more key characters, than the object
+        // has nodes: links that loop (only a blob from outside can hold them) are caught by this
+        // bound instead of running on.
+        std::size_t nodeCount;
+    };
+
+    /// How a node on the walk's stack was reached from the entry below it: a step back up needs
+    /// no look at the parent to know which of its links it returns from, and climbs back over a
+    /// run of greater links without reading their nodes.
+    enum Link : unsigned char { fromStart = 0, fromLess = 1, fromEqual = 2, fromGreater = 3 };
+
+    /// The walk's stacks, read and written through raw pointers: the nodes down from the start,
+    /// the link each was reached by, and the characters of the equal links taken (the child's key).
+    struct Stacks {
+        unsigned int* nodes;
+        unsigned char* links;
+        char* key;
+        unsigned int depth;
+        /// Entries of `nodes` and `links` alike.
+        unsigned int room;
+        unsigned int keyLength;
+        unsigned int keyRoom;
+    };
+
+    /// One walk: the object property it lists, the index of that property's value node, and where
+    /// its entries begin on the stacks. The walks of nested objects share one set of stacks, each
+    /// above the one that found it.
+    struct Start {
+        unsigned int property;
+        unsigned int value;
+        unsigned int depth;
+        unsigned int keyLength;
+    };
+
+    /// Moves `current` from the start (before the first step) or from the last child found to
+    /// the next child, and gives the child's value node; at the end, null, with `current` 0 and
+    /// the stacks back where the walk began. At a child the stacks end with the child's end-of-key
+    /// node and its value node, and with the child's key and the end-of-key character. `storage`
+    /// grows the stacks (`growNodes`, `growKey`) when they are full.
+    template <typename Growth>
+    static const Node* step(const Nodes& nodes, const Start& start, unsigned int& current, Stacks& stacks,
+                            Growth& storage);
+
     /// The index of the value node of `property`; 0 when it has none.
     static unsigned int findValueIndex(const DynamicObject& object, unsigned int property);
 
+    /// Stacks with room for a few levels in the object itself, moving to the heap beyond.
+    template <unsigned int inlineNodes, unsigned int inlineKey> class Storage {
+    public:
+        Storage()
+            : stacks{nodes_, links_, key_, 0, inlineNodes, 0, inlineKey}
+        {
+        }
+        Storage(const Storage&) = delete;
+        Storage& operator=(const Storage&) = delete;
+
+        void growNodes(Stacks& grown)
+        {
+            const std::size_t room = static_cast<std::size_t>(grown.room) * 2;
+            Vector<unsigned int> nodes(room);
+            Vector<unsigned char> links(room);
+            std::memcpy(nodes.data(), grown.nodes, sizeof(unsigned int) * grown.depth);
+            std::memcpy(links.data(), grown.links, grown.depth);
+            nodesOverflow_.swap(nodes);
+            linksOverflow_.swap(links);
+            grown.nodes = nodesOverflow_.data();
+            grown.links = linksOverflow_.data();
+            grown.room = static_cast<unsigned int>(room);
+        }
+        void growKey(Stacks& grown)
+        {
+            const std::size_t room = static_cast<std::size_t>(grown.keyRoom) * 2;
+            Vector<char> key(room);
+            std::memcpy(key.data(), grown.key, grown.keyLength);
+            keyOverflow_.swap(key);
+            grown.key = keyOverflow_.data();
+            grown.keyRoom = static_cast<unsigned int>(room);
+        }
+
+        Stacks stacks;
+
+    private:
+        unsigned int nodes_[inlineNodes];
+        unsigned char links_[inlineNodes];
+        char key_[inlineKey];
+        Vector<unsigned int> nodesOverflow_;
+        Vector<unsigned char> linksOverflow_;
+        Vector<char> keyOverflow_;
+    };
+
 private:
-    /// The object's node blocks, read once per step of the walk: nothing changes the object within a step.
-    struct Nodes;
+    /// The walk's failed assertions, out of its loops.
+    static void reportWalkFailure(const char* text);
+
+    static bool isSeparator(signed char character) { return character == '.' || character == '['; }
 
     // Deep enough for the keys of most objects; a deeper walk moves to the heap.
-    InlineStack<unsigned int, 32> stack_;
-    InlineStack<char, 64> key_;
+    Storage<32, 64> storage_;
     const DynamicObject& object_;
-    unsigned int start_;
-    unsigned int startValue_;
+    Start start_;
     unsigned int current_;
 };
+
+template <typename Growth>
+inline const DynamicObjectPropertyChildrenIterator::Node* DynamicObjectPropertyChildrenIterator::step(
+    const Nodes& nodes, const Start& start, unsigned int& current, Stacks& stacks, Growth& storage)
+{
+    // The stacks and the block table are read into locals for the step and the counts written back
+    // at its end: the key and link stacks are bytes, and a store through them could otherwise be a
+    // store to any field, which would have to be read again after each.
+    unsigned int* nodeStack = stacks.nodes;
+    unsigned char* links = stacks.links;
+    char* key = stacks.key;
+    unsigned int depth = stacks.depth;
+    unsigned int room = stacks.room;
+    unsigned int keyLength = stacks.keyLength;
+    unsigned int keyRoom = stacks.keyRoom;
+    DynamicObject::Node* const* const blocks = nodes.blocks;
+    const std::size_t blockCount = nodes.count;
+    const unsigned int shift = nodes.shift;
+    const unsigned int mask = nodes.mask;
+    const unsigned int startProperty = start.property;
+    const unsigned int startValue = start.value;
+    const unsigned int startDepth = start.depth;
+    const unsigned int startKeyLength = start.keyLength;
+    const auto get = [&](unsigned int index) -> const Node* {
+        const unsigned int offset = index - 1;
+        const std::size_t block = offset >> shift;
+        if (__builtin_expect(block < blockCount, 1)) {
+            return blocks[block] + (offset & mask);
+        }
+        return nodes.object.getNode(index);
+    };
+    const auto pushKey = [&](signed char character) {
+        if (__builtin_expect(keyLength == keyRoom, 0)) {
+            stacks.keyLength = keyLength;
+            storage.growKey(stacks);
+            key = stacks.key;
+            keyRoom = stacks.keyRoom;
+        }
+        key[keyLength++] = static_cast<char>(character);
+    };
+
+    unsigned int index = depth == startDepth ? startProperty : nodeStack[depth - 1];
+    if (current == 0 || index == 0) {
+        reportWalkFailure("unable to increment from invalid current node");
+        // The walk is over: stacks back at its start are what tell its owner so.
+        current = 0;
+        stacks.depth = startDepth;
+        stacks.keyLength = startKeyLength;
+        return nullptr;
+    }
+    // From the start the walk goes down at once; from a child it first climbs back up.
+    bool climb = index != startProperty;
+    unsigned char link = fromStart;
+    // The entries of this walk end before these; the bounds catch links that loop.
+    const std::size_t depthBound = startDepth + nodes.nodeCount;
+    const std::size_t keyBound = startKeyLength + nodes.nodeCount;
+    // A sound step goes down to each node, and back up from it, at most once.
+    const std::size_t roundBound = 2 * nodes.nodeCount + 2;
+    std::size_t rounds = 0;
+    for (;;) {
+        if (++rounds > roundBound) {
+            reportWalkFailure("unable to walk the children, the node links loop");
+            break;
+        }
+        if (climb) {
+            // Step up: pop the node just finished, and turn at the first parent that has more to give.
+            index = 0;
+            for (;;) {
+                if (depth == startDepth) {
+                    reportWalkFailure("unable to retrieve next child from empty stack");
+                    break;
+                }
+                const unsigned char from = links[--depth];
+                if (depth == startDepth) {
+                    // The start itself is finished: the walk is over.
+                    break;
+                }
+                if (from == fromGreater) {
+                    // Its parent is finished too.
+                    continue;
+                }
+                const unsigned int parentIndex = nodeStack[depth - 1];
+                const Node* parent = get(parentIndex);
+                if (parent == nullptr) {
+                    reportWalkFailure("unable to convert current to real trie node pointer");
+                    break;
+                }
+                const signed char split = parent->trie.splitChar;
+                if (from == fromLess) {
+                    const unsigned int equal = parent->trie.equal;
+                    if (equal != 0 && equal != startValue) {
+                        // Back at the separator the walk began from, through its smaller side: other
+                        // keys that merely extend the start's text lie beyond, and are not children.
+                        if (!isSeparator(split)) {
+                            current = parentIndex;
+                            pushKey(split);
+                            index = equal;
+                            link = fromEqual;
+                        }
+                        break;
+                    }
+                } else {
+                    if (keyLength == startKeyLength) {
+                        reportWalkFailure(
+                            "unable to remove one character from key although we are in an equal match case");
+                    }
+                    if (isSeparator(split)) {
+                        break;
+                    }
+                    if (keyLength != startKeyLength) {
+                        --keyLength;
+                    }
+                }
+                if (parent->trie.greater != 0) {
+                    index = parent->trie.greater;
+                    link = fromGreater;
+                    break;
+                }
+            }
+            if (index == 0) {
+                break;
+            }
+        }
+        climb = true;
+        // Go down from `index`: to the smaller side first, then into the key, then past it. The
+        // loop returns at a child, and leaves to climb back up or, failing, to end the walk.
+        bool failed = false;
+        for (;;) {
+            if (depth >= depthBound || keyLength >= keyBound) {
+                reportWalkFailure("unable to walk the children, the node links loop");
+                failed = true;
+                break;
+            }
+            const Node* node = get(index);
+            if (node == nullptr) {
+                reportWalkFailure("unable to convert current to real trie node pointer");
+                failed = true;
+                break;
+            }
+            if (__builtin_expect(depth == room, 0)) {
+                stacks.depth = depth;
+                storage.growNodes(stacks);
+                nodeStack = stacks.nodes;
+                links = stacks.links;
+                room = stacks.room;
+            }
+            nodeStack[depth] = index;
+            links[depth] = link;
+            ++depth;
+            if (node->isValueNode()) {
+                // `current` holds the end-of-key node whose equal link led here, just below on the stack.
+                stacks.depth = depth;
+                stacks.keyLength = keyLength;
+                return node;
+            }
+            const unsigned int less = node->trie.less;
+            const unsigned int equal = node->trie.equal;
+            const signed char split = node->trie.splitChar;
+            if (less != 0) {
+                index = less;
+                link = fromLess;
+            } else if (equal == 0 || equal == startValue || (keyLength != startKeyLength && isSeparator(split))) {
+                // Not below: the start's own value, or the separator of a child's own children.
+                index = node->trie.greater;
+                link = fromGreater;
+                if (index == 0) {
+                    break;
+                }
+            } else {
+                current = index;
+                pushKey(split);
+                index = equal;
+                link = fromEqual;
+            }
+        }
+        if (failed) {
+            break;
+        }
+    }
+    current = 0;
+    stacks.depth = startDepth;
+    stacks.keyLength = startKeyLength;
+    return nullptr;
+}
 
 } // namespace impl
 } // namespace utils
