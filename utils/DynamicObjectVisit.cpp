@@ -41,9 +41,17 @@ inline unsigned int typeOf(const DynamicObject::Node* value)
     return value != nullptr ? value->value.type : static_cast<unsigned int>(type::null);
 }
 
+/// The string value sent last, with its length: documents repeat values, and a repeated one is
+/// not looked up again. It starts as what hash 0 gives, the empty text.
+struct LastString {
+    unsigned long long hash = 0;
+    const char* text = "";
+    unsigned int length = 0;
+};
+
 /// Sends a value of a type up to boolean, none of which has children.
 inline bool sendScalar(unsigned int valueType, const DynamicObject::Node* value, const StringTable& strings,
-                       AbstractObjectBuilder& builder)
+                       LastString& last, AbstractObjectBuilder& builder)
 {
     switch (valueType) {
     case type::integer:
@@ -51,13 +59,19 @@ inline bool sendScalar(unsigned int valueType, const DynamicObject::Node* value,
     case type::real:
         return builder.real(value->getReal());
     case type::string: {
-        const char* text = strings.retrieve(value->getPayload(), "");
-        if (text == nullptr) {
-            reportMissingString();
-            // The hook returned: the value goes out as the empty text.
-            text = "";
+        const unsigned long long hash = value->getPayload();
+        if (hash != last.hash) {
+            const char* text = strings.retrieve(hash, "", last.length);
+            if (text == nullptr) {
+                reportMissingString();
+                // The hook returned: the value goes out as the empty text.
+                text = "";
+                last.length = 0;
+            }
+            last.hash = hash;
+            last.text = text;
         }
-        return builder.string(text, static_cast<unsigned int>(std::strlen(text)));
+        return builder.string(last.text, last.length);
     }
     case type::boolean:
         return builder.boolean(value->getPayload() != 0);
@@ -101,6 +115,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
     Walk::Storage<64, 128> storage;
     Walk::Stacks& stacks = storage.stacks;
     const Walk::Nodes nodes(*this);
+    LastString lastString;
 
     // The property whose value goes out next, and its value node: one look-up serves the type and
     // the value, and the walks of objects and arrays find the node on their way to the child.
@@ -117,7 +132,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
             case type::real:
             case type::string:
             case type::boolean:
-                if (!sendScalar(propertyType, value, *stringTable_, builder)) {
+                if (!sendScalar(propertyType, value, *stringTable_, lastString, builder)) {
                     return false;
                 }
                 break;
@@ -179,7 +194,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                     valueDue = true;
                     break;
                 }
-                if (!sendScalar(childType, value, *stringTable_, builder)) {
+                if (!sendScalar(childType, value, *stringTable_, lastString, builder)) {
                     return false;
                 }
             }

@@ -177,6 +177,17 @@ const char* StringTable::retrieve(const unsigned long long& hash, const char* de
     return entry != nullptr ? (*entry)->c_str() : defaultValue;
 }
 
+const char* StringTable::retrieve(const unsigned long long& hash, const char* defaultValue, unsigned int& length) const
+{
+    String* const* entry = hash != 0 ? table_.lookup(hash) : nullptr;
+    if (entry == nullptr) {
+        length = defaultValue != nullptr ? static_cast<unsigned int>(std::strlen(defaultValue)) : 0;
+        return defaultValue;
+    }
+    length = static_cast<unsigned int>((*entry)->size());
+    return (*entry)->c_str();
+}
+
 orv_StringTable& StringTable::getWrapper()
 {
     return *wrapper_;

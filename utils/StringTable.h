@@ -42,6 +42,9 @@ public:
     /// The text stored under `hash`, valid while the table lives; `defaultValue` for hash 0 or an
     /// unknown hash.
     const char* retrieve(const unsigned long long& hash, const char* defaultValue) const;
+    /// The same with the text's length, which the table knows without measuring the text; for the
+    /// default, the length of the default.
+    const char* retrieve(const unsigned long long& hash, const char* defaultValue, unsigned int& length) const;
 
     orv_StringTable& getWrapper();
     static StringTable& getWrapee(orv_StringTable& wrapper);

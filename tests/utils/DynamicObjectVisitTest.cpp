@@ -121,6 +121,32 @@ std::string walk(const DynamicObject& object, unsigned int start, unsigned int m
 
 } // namespace
 
+TEST(DynamicObjectVisit, StringValuesGoOutWholeWhetherRepeatedAlternatedOrUnknown)
+{
+    // The visit remembers the text it sent last: a value that differs from it, one met again
+    // after another, one holding a zero byte and one the table does not know must each go out as
+    // themselves.
+    DynamicObject object;
+    object.setString("a", "v");
+    object.setString("b", "v");
+    object.setString("c", 1, "x\0y", 3);
+    object.setString("d", "v");
+    object.setString("e", "");
+    object.setString("f", "long text");
+    orv::utils::DynamicBufferInputOutput output("json");
+    ASSERT_TRUE(orv::utils::serializeDynamicObjectToJson(object, output, nullptr));
+    EXPECT_EQ(std::string(output.data(), output.size()),
+              "{\"a\":\"v\",\"b\":\"v\",\"c\":\"x\\u0000y\",\"d\":\"v\",\"e\":\"\",\"f\":\"long text\"}");
+
+    // After the table forgets them, every value is the empty text, the first one included.
+    object.getStringTable() = StringTable(DynamicObject::stringTableSeed);
+    object.setString("g", "w");
+    RecordingBuilder builder;
+    EXPECT_TRUE(object.visit(builder));
+    EXPECT_EQ(builder.line(), "begin beginObject child(a) string() child(b) string() child(c) string() child(d) "
+                              "string() child(e) string() child(f) string() child(g) string(w) endObject end");
+}
+
 TEST(DynamicObjectIterator, VisitsParentsBeforeChildrenInKeyOrder)
 {
     DynamicObject object;

@@ -182,6 +182,15 @@ TEST(StringTable, TheFirstTextKeepsACollidingHashAndTextsCompareOnlyUpToAnEmbedd
     std::string other = stored;
     other[1] = 'X';
     EXPECT_FALSE(table.check(other.data(), 16, storedHash, nullptr));
+
+    // The counted retrieval gives the stored length, zero byte and all, or the default's.
+    unsigned int length = 0;
+    const char* text = table.retrieve(storedHash, "?", length);
+    EXPECT_EQ(std::string(text, length), stored);
+    EXPECT_STREQ(table.retrieve(0, "fallback", length), "fallback");
+    EXPECT_EQ(length, 8u);
+    EXPECT_EQ(table.retrieve(hashOf(table, "absent"), nullptr, length), nullptr);
+    EXPECT_EQ(length, 0u);
 }
 
 TEST(StringTable, CopiesOwnTheirStringsAndOutliveTheirSource)
