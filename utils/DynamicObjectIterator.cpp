@@ -102,18 +102,6 @@ inline void DynamicObjectIterator::step(unsigned int& child)
     walkKeyLength_ = stacks.keyLength;
 }
 
-void DynamicObjectIterator::restart(unsigned int property)
-{
-    stack_.clear();
-    keys_.clear();
-    walkDepth_ = 0;
-    walkKeyLength_ = 0;
-    walkStart_ = 0;
-    walkStartValue_ = 0;
-    currentDepth_ = 0;
-    initialize(property);
-}
-
 void DynamicObjectIterator::pushChildren(unsigned int property)
 {
     switch (object_.getType(property)) {
@@ -154,6 +142,17 @@ void DynamicObjectIterator::pushChildren(unsigned int property)
     default:
         break;
     }
+}
+
+const char* DynamicObjectIterator::getKey() const
+{
+    return isWalkingChildren() ? Walk::keyOf(keys_.data(), walkKeyLength_) : path_.data();
+}
+
+unsigned int DynamicObjectIterator::getKeyLength() const
+{
+    return isWalkingChildren() ? Walk::keyLengthOf(keys_.data(), walkKeyLength_)
+                               : static_cast<unsigned int>(path_.size()) - 1;
 }
 
 void DynamicObjectIterator::cutPath(char separator)

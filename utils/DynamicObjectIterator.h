@@ -39,29 +39,12 @@ public:
     /// The current property; the start before the first `next`.
     unsigned int getProperty() const { return currentProperty_; }
     /// The path of the current property from the start, terminated; empty at the start.
-    const char* getKey() const
-    {
-        return !isWalkingChildren() ? path_.data() : walkKeyLength_ != 0 ? keys_.data() + skippedSeparator() : "";
-    }
-    unsigned int getKeyLength() const
-    {
-        // The key of a children walk ends with the end-of-key character, a terminator. Only
-        // broken nodes give a child with no key character at all.
-        if (!isWalkingChildren()) {
-            return static_cast<unsigned int>(path_.size()) - 1;
-        }
-        const unsigned int overhead = 1 + static_cast<unsigned int>(skippedSeparator());
-        return walkKeyLength_ > overhead ? walkKeyLength_ - overhead : 0;
-    }
+    const char* getKey() const;
+    unsigned int getKeyLength() const;
     const DynamicObject& getDynamicObject() const { return object_; }
 
 private:
-    // Lets an object's walk restart one iterator per level of nesting instead of building one per object.
-    friend class DynamicObject;
-
     void initialize(unsigned int property);
-    /// Back to the state of a new iterator from `property`, keeping the memory of the stacks.
-    void restart(unsigned int property);
     void pushChildren(unsigned int property);
     /// One step of the children walk, from `child` (the start before the first) to the next child.
     void step(unsigned int& child);
@@ -72,15 +55,6 @@ private:
     // steps the children walk itself, one child per `next`, with the key store as the walk's key
     // buffer. The path is then the current key alone, read from there where the walk left it.
     bool isWalkingChildren() const { return currentDepth_ != 0 && walkDepth_ != 0; }
-    /// While a children walk is at a child: the index of the child's value node, which the walk
-    /// has just reached, when the child is an end-of-key node (its key character is the
-    /// terminator); 0 otherwise, as a look-up of the value would find none.
-    unsigned int getWalkValue() const
-    {
-        return walkKeyLength_ != 0 && keys_[walkKeyLength_ - 1] == '\0' ? walk_[walkDepth_ - 1] : 0;
-    }
-    /// 1 when the walk's key starts with the `.` that leads from a property to its children.
-    std::size_t skippedSeparator() const { return walkKeyLength_ != 0 && keys_[0] == '.' ? 1 : 0; }
 
     const DynamicObject& object_;
     unsigned int maximumDepth_;

@@ -111,18 +111,6 @@ public:
         {
         }
 
-        /// What DynamicObject::getNode gives, with the block table in registers. Index 0 wraps to
-        /// an offset past every block, and so goes to getNode too.
-        const Node* get(unsigned int index) const
-        {
-            const unsigned int offset = index - 1;
-            const std::size_t block = offset >> shift;
-            if (__builtin_expect(block < count, 1)) {
-                return blocks[block] + (offset & mask);
-            }
-            return object.getNode(index);
-        }
-
         const DynamicObject& object;
         DynamicObject::Node* const* blocks;
         std::size_t count;
@@ -253,6 +241,8 @@ inline const DynamicObjectPropertyChildrenIterator::Node* DynamicObjectPropertyC
     const unsigned int startValue = start.value;
     const unsigned int startDepth = start.depth;
     const unsigned int startKeyLength = start.keyLength;
+    // What DynamicObject::getNode gives. Index 0 wraps to an offset past every block, and so goes
+    // to getNode too, which gives null.
     const auto get = [&](unsigned int index) -> const Node* {
         const unsigned int offset = index - 1;
         const std::size_t block = offset >> shift;
