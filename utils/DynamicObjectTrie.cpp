@@ -694,8 +694,10 @@ void DynamicObject::addRootProperty()
 void DynamicObject::doClear()
 {
     ++shapeStamp_;
-    for (Node* block : blocks_) {
-        nodeAllocator_->deallocate(block);
+    // Last block first: released blocks are taken again last first, so that the next nodes of this
+    // or another object fill them in the order of their addresses, as a copy or a load writes best.
+    for (std::size_t block = blocks_.size(); block > 0; --block) {
+        nodeAllocator_->deallocate(blocks_[block - 1]);
     }
     blocks_.clear();
     firstFreeNode_ = 0;
