@@ -65,38 +65,14 @@ namespace {
 
 using Walk = impl::DynamicObjectPropertyChildrenIterator;
 
-/// The walk's stacks in the iterator's Vectors, whose sizes are only the room: the counts in use
-/// are kept beside them. They grow by doubling.
-struct VectorWalkStorage {
-    void growNodes(Walk::Stacks& stacks)
-    {
-        const std::size_t room = nodes.size() < 8 ? 16 : nodes.size() * 2;
-        nodes.resize(room);
-        links.resize(room);
-        stacks.nodes = nodes.data();
-        stacks.links = links.data();
-        stacks.room = static_cast<unsigned int>(room);
-    }
-    void growKey(Walk::Stacks& stacks)
-    {
-        const std::size_t room = key.size() < 8 ? 16 : key.size() * 2;
-        key.resize(room);
-        stacks.key = key.data();
-        stacks.keyRoom = static_cast<unsigned int>(room);
-    }
-
-    Vector<unsigned int>& nodes;
-    Vector<unsigned char>& links;
-    Vector<char>& key;
-};
-
 } // namespace
 
 inline void DynamicObjectIterator::step(unsigned int& child)
 {
     Walk::Stacks stacks{walk_.data(), walkLinks_.data(), keys_.data(), walkDepth_,
                         static_cast<unsigned int>(walk_.size()), walkKeyLength_, static_cast<unsigned int>(keys_.size())};
-    VectorWalkStorage storage{walk_, walkLinks_, keys_};
+    // The Vectors' own sizes are only the room: the counts in use are kept beside them.
+    Walk::VectorGrowth storage{walk_, walkLinks_, keys_};
     Walk::step(Walk::Nodes(object_), Walk::Start{walkStart_, walkStartValue_, 0, 0}, child, stacks, storage);
     walkDepth_ = stacks.depth;
     walkKeyLength_ = stacks.keyLength;
@@ -182,7 +158,7 @@ DynamicObjectIterator& DynamicObjectIterator::next()
         }
         // The child is the end-of-key node just below its value node; only broken nodes give a
         // value node with none below it, and then no child (the next step ends the walk).
-        currentProperty_ = walkDepth_ >= 2 ? walk_[walkDepth_ - 2] : 0;
+        currentProperty_ = Walk::childOf(walk_.data(), walkDepth_, 0);
         return *this;
     }
     // End events only tidy up: the loop goes on to the next begin event.

@@ -184,8 +184,7 @@ bool DynamicObject::recursiveVisit(unsigned int property, AbstractObjectBuilder&
                 }
                 // The child is the end-of-key node below its value node, and its key ends with the
                 // end-of-key character; only broken nodes give anything else, and no value then.
-                const unsigned int entries = stacks.depth - level.walk.depth;
-                current = entries >= 2 ? stacks.nodes[stacks.depth - 2] : 0;
+                current = Walk::childOf(stacks.nodes, stacks.depth, level.walk.depth);
                 const bool atValue = keyLength != 0 && key[keyLength - 1] == '\0';
                 valueIndex = atValue ? stacks.nodes[stacks.depth - 1] : 0;
                 value = atValue ? childValue : nullptr;

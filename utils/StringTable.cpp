@@ -168,24 +168,27 @@ bool StringTable::check(const char* string, const unsigned long long& hash, Abst
     return check(string, string != nullptr ? static_cast<unsigned int>(std::strlen(string)) : 0, hash, logger);
 }
 
+const String* StringTable::stored(const unsigned long long& hash) const
+{
+    String* const* entry = hash != 0 ? table_.lookup(hash) : nullptr;
+    return entry != nullptr ? *entry : nullptr;
+}
+
 const char* StringTable::retrieve(const unsigned long long& hash, const char* defaultValue) const
 {
-    if (hash == 0) {
-        return defaultValue;
-    }
-    String* const* entry = table_.lookup(hash);
-    return entry != nullptr ? (*entry)->c_str() : defaultValue;
+    const String* text = stored(hash);
+    return text != nullptr ? text->c_str() : defaultValue;
 }
 
 const char* StringTable::retrieve(const unsigned long long& hash, const char* defaultValue, unsigned int& length) const
 {
-    String* const* entry = hash != 0 ? table_.lookup(hash) : nullptr;
-    if (entry == nullptr) {
+    const String* text = stored(hash);
+    if (text == nullptr) {
         length = defaultValue != nullptr ? static_cast<unsigned int>(std::strlen(defaultValue)) : 0;
         return defaultValue;
     }
-    length = static_cast<unsigned int>((*entry)->size());
-    return (*entry)->c_str();
+    length = static_cast<unsigned int>(text->size());
+    return text->c_str();
 }
 
 orv_StringTable& StringTable::getWrapper()

@@ -52,6 +52,8 @@ public:
 
 private:
     unsigned long long computeHash(const char* string, unsigned int length) const;
+    /// The text stored under `hash`; null for hash 0 or an unknown hash.
+    const String* stored(const unsigned long long& hash) const;
     void copyStrings(const StringTable& other);
     void clear();
 

@@ -162,6 +162,45 @@ public:
     /// The index of the value node of `property`; 0 when it has none.
     static unsigned int findValueIndex(const DynamicObject& object, unsigned int property);
 
+    /// The end-of-key node of the child a step found: the entry below its value node, on the
+    /// walk's own part of the stacks; 0 when only broken nodes led there.
+    static unsigned int childOf(const unsigned int* nodes, unsigned int depth, unsigned int startDepth)
+    {
+        return depth - startDepth >= 2 ? nodes[depth - 2] : 0;
+    }
+
+    /// Grows the walk's stacks into three Vectors, doubling the room and keeping the entries in
+    /// use. The stacks may already live in these Vectors, or elsewhere (the inline room of
+    /// `Storage`).
+    struct VectorGrowth {
+        void growNodes(Stacks& grown)
+        {
+            const std::size_t room = grown.room < 8 ? 16 : std::size_t(grown.room) * 2;
+            grown.nodes = moveInto(nodes, grown.nodes, grown.depth, room);
+            grown.links = moveInto(links, grown.links, grown.depth, room);
+            grown.room = static_cast<unsigned int>(room);
+        }
+        void growKey(Stacks& grown)
+        {
+            const std::size_t room = grown.keyRoom < 8 ? 16 : std::size_t(grown.keyRoom) * 2;
+            grown.key = moveInto(key, grown.key, grown.keyLength, room);
+            grown.keyRoom = static_cast<unsigned int>(room);
+        }
+        template <typename T> static T* moveInto(Vector<T>& target, const T* entries, unsigned int used, std::size_t room)
+        {
+            Vector<T> larger(room);
+            if (used != 0) {
+                std::memcpy(larger.data(), entries, sizeof(T) * used);
+            }
+            target.swap(larger);
+            return target.data();
+        }
+
+        Vector<unsigned int>& nodes;
+        Vector<unsigned char>& links;
+        Vector<char>& key;
+    };
+
     /// Stacks with room for a few levels in the object itself, moving to the heap beyond.
     template <unsigned int inlineNodes, unsigned int inlineKey> class Storage {
     public:
@@ -172,28 +211,8 @@ public:
         Storage(const Storage&) = delete;
         Storage& operator=(const Storage&) = delete;
 
-        void growNodes(Stacks& grown)
-        {
-            const std::size_t room = static_cast<std::size_t>(grown.room) * 2;
-            Vector<unsigned int> nodes(room);
-            Vector<unsigned char> links(room);
-            std::memcpy(nodes.data(), grown.nodes, sizeof(unsigned int) * grown.depth);
-            std::memcpy(links.data(), grown.links, grown.depth);
-            nodesOverflow_.swap(nodes);
-            linksOverflow_.swap(links);
-            grown.nodes = nodesOverflow_.data();
-            grown.links = linksOverflow_.data();
-            grown.room = static_cast<unsigned int>(room);
-        }
-        void growKey(Stacks& grown)
-        {
-            const std::size_t room = static_cast<std::size_t>(grown.keyRoom) * 2;
-            Vector<char> key(room);
-            std::memcpy(key.data(), grown.key, grown.keyLength);
-            keyOverflow_.swap(key);
-            grown.key = keyOverflow_.data();
-            grown.keyRoom = static_cast<unsigned int>(room);
-        }
+        void growNodes(Stacks& grown) { VectorGrowth{nodesOverflow_, linksOverflow_, keyOverflow_}.growNodes(grown); }
+        void growKey(Stacks& grown) { VectorGrowth{nodesOverflow_, linksOverflow_, keyOverflow_}.growKey(grown); }
 
         Stacks stacks;
 
